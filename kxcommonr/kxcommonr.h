@@ -1,0 +1,14 @@
+// kxcommonr/kxcommonr.h
+//
+// The umbrella header: includes every public header of kxcommonr, so that
+//   #include "kxcommonr/kxcommonr.h"
+// is all a caller needs.
+#ifndef KXCOMMONR_KXCOMMONR_H
+#define KXCOMMONR_KXCOMMONR_H
+
+#include "kxcommonr/config.h"
+
+// Foundations
+#include "kxcommonr/common/KXMV.h"
+
+#endif  // KXCOMMONR_KXCOMMONR_H
