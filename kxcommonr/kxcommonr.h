@@ -11,4 +11,8 @@
 // Foundations
 #include "kxcommonr/common/KXMV.h"
 
+// Matrices
+#include "kxcommonr/common/KXSymMatrixData.h"
+#include "kxcommonr/common/KXSymMatrix.h"
+
 #endif  // KXCOMMONR_KXCOMMONR_H

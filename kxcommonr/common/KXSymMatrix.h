@@ -1,0 +1,399 @@
+// kxcommonr/common/KXSymMatrix.h
+//
+// KXSymMatrix: the library's covariance and cross-product matrix. A
+// KXSymMatrixData (packed lower triangle, optional equal row blocks) with the
+// whole numerical repertoire: element and row access, whole-matrix edits,
+// the sweep operator, a rank-tolerant Cholesky factorisation with inverses,
+// determinants and solves, weighted cross-product updates one case at a time,
+// and products and traces with vectors, symmetric and rectangular matrices.
+//
+// Example: weighted cross products of the cases, then a quadratic form.
+//   KXSymMatrix sscp(3);
+//   for (const auto& c : cases) sscp.UpdateXX(c.x, c.weight);
+//   double q = sscp.ComputeVSV(v);
+//
+// Conventions:
+//   - Failures are reported by the result: false, -1, or the missing value
+//     (KXMV::Missing()) for a scalar; a refused operation leaves this matrix
+//     and its outputs unchanged unless the comment says otherwise. Nothing
+//     throws.
+//   - Tolerances are relative: a pivot or element counts as zero when it
+//     does not exceed tol times the matching (initial) diagonal element.
+//   - Masks are KXBitSet; a position outside a set reads as false.
+//
+// Thread rule: a plain value without locking. Concurrent readers are safe;
+// a writer needs exclusive access.
+#ifndef KXCOMMONR_COMMON_KXSYMMATRIX_H
+#define KXCOMMONR_COMMON_KXSYMMATRIX_H
+
+#include <vector>
+
+#include "kxcommonr/common/KXSymMatrixData.h"
+#include "kxcommonr/config.h"
+
+namespace KXCommon {
+
+class KXBitSet;
+class KXRectMatrix;
+
+class KXCOMMONR_API KXSymMatrix : public KXSymMatrixData {
+ public:
+  // ======================================================================
+  // Storage and access
+  // ======================================================================
+
+  // Empty matrix.
+  KXSymMatrix();
+  // Zero matrix of order max(n, 0), one block.
+  explicit KXSymMatrix(int n);
+  // Zero matrix of nBlocks blocks of blockSize rows; empty when either count
+  // is below 1.
+  KXSymMatrix(int nBlocks, int blockSize);
+  KXSymMatrix(const KXSymMatrix& other) = default;
+  KXSymMatrix& operator=(const KXSymMatrix& other) = default;
+  ~KXSymMatrix() = default;
+
+  // Copies the counts and the data of src.
+  void SetData(const KXSymMatrixData& src);
+  // The packed lower triangle itself, modifiable. The caller must keep its
+  // size at n(n+1)/2.
+  std::vector<double>& AsVector() { return data; }
+
+  // One block of max(n, 0) rows. The leading packed elements are kept (the
+  // leading block of the old matrix survives), new elements are 0. Returns
+  // false on allocation failure; the matrix is then unchanged.
+  bool Resize(int n);
+  // One block of max(n, 0) rows, every element 0. Returns false on
+  // allocation failure; the matrix is then unchanged.
+  bool SetNRows(int n);
+  // Divides the rows into nBlocks equal blocks. False (nothing changed) when
+  // nBlocks < 1, n < 1 or n is not a multiple of nBlocks.
+  bool SetNBlocks(int nBlocks);
+  // Every element 0; shape unchanged.
+  void Clear();
+
+  // Sets (i, j) and thereby (j, i). False (nothing changed) when i or j lies
+  // outside 0..n-1.
+  bool SetElem(int i, int j, double v);
+  // Sets packed position k. False when k lies outside 0..n(n+1)/2-1.
+  bool SetElem(int k, double v);
+  // Sets (i, j) = r[j] for every j. False when i lies outside 0..n-1 or r
+  // has fewer than n elements.
+  bool PutRow(int i, const std::vector<double>& r);
+  // Row and column i, diagonal included, set to c. False outside 0..n-1.
+  bool SetRowColToConst(int i, double c);
+  // Row and column i set to 0. False outside 0..n-1.
+  bool ZeroOut(int i);
+  // Becomes the outer product v v' of order size(v), one block. Returns
+  // false on allocation failure (matrix unchanged).
+  bool SetToVV(const std::vector<double>& v);
+
+  // When n > 1, out becomes the leading (n-1) x (n-1) matrix (reshaped only
+  // when its order differs). Nothing happens for n <= 1.
+  void ExtractFirstNRows(KXSymMatrix& out) const;
+  // Copies the leading k x k block of src over this matrix's leading block.
+  // False (nothing changed) unless 1 <= k <= src order and k <= n.
+  bool ReplaceFirstRows(const KXSymMatrix& src, int k);
+  // out becomes a zero matrix of order keep.Size(); the rows and columns of
+  // this matrix are placed, in order, at the set positions of keep. Stops
+  // when this matrix's rows are used up.
+  void Expand(const KXBitSet& keep, KXSymMatrix& out) const;
+  // out becomes the submatrix on rows and columns idx. False (out untouched)
+  // unless idx holds at most n strictly increasing indices in 0..n-1.
+  bool ExtractSubmatrix(const std::vector<int>& idx, KXSymMatrix& out) const;
+
+  // Every diagonal element += c.
+  void AddToDiagonal(double c);
+  // Every element negated.
+  void ChangeSign();
+  // Every element multiplied by c.
+  void MultiplyByNumber(double c);
+  // this += a * x over the packed data. False (nothing changed) when the
+  // orders differ.
+  bool ComputeAXpY(double a, const KXSymMatrix& x);
+  // Largest and smallest diagonal element. For n < 1 both outputs are left
+  // untouched.
+  void MaxMinDiag(double& max, double& min) const;
+
+  // Full square form: "KXSymMatrix full matrix display start", "Number of
+  // rows", then each row under "row <i>: ", then "KXSymMatrix display end".
+  void DisplayF() const;
+
+  // ======================================================================
+  // Sweep, Cholesky, inverse and solve (KXSymMatrixFactor.cpp)
+  // ======================================================================
+
+  // Sweeps row k in place, or reverses the sweep when row k is already
+  // swept (bit k of swept set). A sweep is accepted only when the current
+  // pivot exceeds tol * origDiag[k] and no earlier swept row's residual
+  // would fall to tol * origDiag[j] or below. Toggles bit k on success.
+  // False (matrix and swept unchanged) when a check or a pivot test fails.
+  bool Sweep(int k, double tol, const std::vector<double>& origDiag,
+             KXBitSet& swept, bool check);
+
+  // In-place Cholesky factor L (A = L L') of the lower triangle. A row whose
+  // residual pivot does not exceed tol * origDiag[i] is redundant: its
+  // diagonal and its column of L are 0 and its bit of nonRedundant is clear.
+  // Returns the number of redundant rows, or -1 (nothing changed) when the
+  // check fails (tol < 0 or a negative origDiag element).
+  int LTChol(const std::vector<double>& origDiag, double tol,
+             KXBitSet& nonRedundant, bool check);
+  // The same without recording the rows.
+  int LTChol(const std::vector<double>& origDiag, double tol, bool check);
+  // The same with origDiag taken from the matrix's own diagonal (elements
+  // below tol replaced by 1.0). out is first set to the missing value.
+  int LTChol(double tol, double& out, bool check);
+
+  // Determinant and/or inverse of the stored factor L. job's tens digit
+  // asks for the inverse, its units digit for the determinant, returned as
+  // det[0] * 10^det[1] with 1 <= |det[0]| < 10 or det[0] == 0.
+  int LTDetInverse(double* det, int job);
+  // Replaces the stored lower triangle M by M'M.
+  void LTLTransL();
+  // Replaces the stored lower triangle M by M M'.
+  void LTLLTrans();
+  // The inverse of the matrix whose factor is stored.
+  void LTInverse();
+
+  // out becomes a copy of this matrix, factorised (checks on) and inverted.
+  // Returns the LTChol result; out is left as the copy when it is negative.
+  int CholInverse(const std::vector<double>& origDiag, double tol,
+                  KXSymMatrix& out) const;
+  // The same, recording the accepted rows.
+  int CholInverse(const std::vector<double>& origDiag, double tol,
+                  KXSymMatrix& out, KXBitSet& nonRedundant) const;
+  // The same, also returning the smallest diagonal element of the factor.
+  int CholInverse(const std::vector<double>& origDiag, double tol,
+                  KXSymMatrix& out, double& minPivot) const;
+
+  // Determinant through a factorised copy, as det[0] * 10^det[1]. False for
+  // an empty matrix.
+  bool ComputeDeterminant(double tol, double* det) const;
+  // Row and column i set to 0 for every clear bit i. False when the set has
+  // fewer bits than the matrix has rows.
+  bool ZeroOutRedundant(const KXBitSet& nonRedundant);
+
+  // Factorises in place and solves A x = b; a component whose pivot is 0 is
+  // set to 0. Returns the number of redundant rows, -1 when tol <= 0 or b
+  // has fewer than n elements.
+  int LTSolve(const std::vector<double>& b, double tol,
+              std::vector<double>& x);
+  // The two triangular substitutions with a factor already stored.
+  int LTSubstitute(const std::vector<double>& b, std::vector<double>& x) const;
+
+  // Cholesky restricted to the leading nLead rows; idx receives the indices
+  // of the non-redundant ones. Returns the number of redundant rows or -1.
+  int CholIndNonRed(int nLead, double tol, std::vector<int>& idx);
+  // Solutions of possibly singular systems.
+  bool SolveIndefinite(double tol, const std::vector<double>& b,
+                       std::vector<double>& x);
+  bool SolveIndefinite(const KXBitSet& nonRedundant,
+                       const std::vector<double>& b, std::vector<double>& x);
+  // Solution by generalised inverse.
+  bool SolveIndefiniteGI(double tol, const std::vector<double>& b,
+                         std::vector<double>& x);
+  int TransformToPositiveDefinite(double tol, bool& changed, double& shift);
+  int CheckMDependent(int row, const std::vector<double>& origDiag,
+                      const KXBitSet& mask, double tol);
+  bool GetRegCoeffs(std::vector<double>& coeffs,
+                    const KXBitSet& swept) const;
+  bool CheckGMG(const std::vector<double>& g, double tol) const;
+
+  // ======================================================================
+  // Cross-product updates and products (KXSymMatrixProducts.cpp)
+  // ======================================================================
+
+  // --- Updates. Each adds to the lower triangle only and returns false,
+  // --- adding nothing, when its arguments are refused.
+
+  // Adds w * x x'. Rows with x_i == 0 are skipped whole. False when
+  // size(x) != n or w <= 0 (or w is NaN).
+  bool UpdateXX(const std::vector<double>& x, double w);
+  // Adds w * x x' for a weight of either sign (a negative weight removes a
+  // case added before). False when size(x) != n.
+  bool UpdateXXPosNegW(const std::vector<double>& x, double w);
+  // Adds w * x_i * x_j only where both i and j are in keep. False when
+  // size(x) != n.
+  bool UpdateXXNonRedun(const std::vector<double>& x, const KXBitSet& keep,
+                        double w);
+  // Adds w * val[k] * val[m] at (idx[k], idx[m]) for a sparse case of nnz
+  // entries sorted by ascending index. Entries with an index outside 0..n-1
+  // are skipped. For each entry k the walk over m stops at the first entry
+  // whose index exceeds idx[k]; so an unsorted list silently loses pairs
+  // (deliberate: the rule relies on the ordering). False when nnz < 0, idx
+  // or val has fewer than nnz entries, or w <= 0.
+  bool UpdateXXSparse(int nnz, const std::vector<int>& idx,
+                      const std::vector<double>& val, double w);
+
+  // --- Quadratic forms and vector products.
+
+  // v'Sv. Missing when size(v) != n; 0 for an empty matrix.
+  double ComputeVSV(const std::vector<double>& v) const;
+  // v'Sw. Missing when either size differs from n; 0 for an empty matrix.
+  double ComputeVSW(const std::vector<double>& v,
+                    const std::vector<double>& w) const;
+  // v'Sw over raw arrays: v[0], v[incv], ... and w[0], w[incw], ..., n
+  // elements each. Missing when a pointer is null (n > 0) or an increment is
+  // below 1.
+  double ComputeVSW(const double* v, int incv, const double* w,
+                    int incw) const;
+  // v'S_k w over the leading k x k block S_k, with v = x[vStart ..
+  // vStart+k-1] and w = x[wStart .. wStart+k-1] both taken from x. Missing
+  // when k is outside 0..n, a start is negative or x is too short.
+  double ComputeVSW(const std::vector<double>& x, int vStart, int wStart,
+                    int k) const;
+  // v'Sw accumulated in two parts, the diagonal terms sum_i v_i a_ii w_i and
+  // the off-diagonal terms sum_{j<i} a_ij (v_i w_j + v_j w_i), each in index
+  // order, added at the end. v and w are read from vOffset and wOffset.
+  // Missing when a vector holds fewer than offset + n elements or an offset
+  // is negative.
+  double ComputeVSWParts(const std::vector<double>& v, int vOffset,
+                         const std::vector<double>& w, int wOffset) const;
+  // The same on raw arrays of n elements; missing when a pointer is null
+  // and n > 0.
+  double ComputeVSWParts(const double* v, const double* w) const;
+  // v'S_(bi,bj) w on block (bi, bj) of a blocked matrix; v and w hold
+  // blockSize elements. Missing when a block index is out of range or a
+  // size differs from blockSize.
+  double ComputeBlockVSW(int bi, int bj, const std::vector<double>& v,
+                         const std::vector<double>& w) const;
+  double ComputeBlockVSV(int bi, int bj, const std::vector<double>& v) const;
+  // sqrt(v'Sv); missing when v'Sv is missing or negative.
+  double SquareRootVSV(const std::vector<double>& v) const;
+
+  // out = S v (out resized to n). False (out unchanged) when size(v) != n.
+  bool ComputeSV(const std::vector<double>& v, std::vector<double>& out) const;
+  // out = S_k v over the leading k x k block (out resized to k). False when
+  // k is outside 0..n or v has fewer than k elements.
+  bool ComputeSV(int k, const std::vector<double>& v,
+                 std::vector<double>& out) const;
+  // Row `row` of S times v[0], v[inc], ..., v[(n-1)*inc]. Missing when row
+  // lies outside 0..n-1, inc < 1, or v holds fewer than n * inc elements.
+  double ComputeRVD(int row, const std::vector<double>& v, int inc) const;
+  // The same on a raw array; missing when row or inc is bad or v is null.
+  double ComputeRVD(int row, const double* v, int inc) const;
+  // Full row i of S dot full row j of T. Missing when the orders differ or
+  // an index is out of range.
+  double ComputeRowDotProductS(int i, const KXSymMatrix& T, int j) const;
+  // Full row i of S dot full row j of the symmetric matrix of order n whose
+  // packed triangle is tPacked. Missing when tPacked holds fewer than
+  // n(n+1)/2 elements or an index is out of range.
+  double ComputeRowDotProductS(int i, const std::vector<double>& tPacked,
+                               int j) const;
+  // Full row i of S dot full row j of S. Missing for a bad index.
+  double ComputeDotProduct2Rows(int i, int j) const;
+  // out = L v and out = L' v, the lower triangle read as a triangular
+  // factor L (out resized to n). False (out unchanged) when size(v) != n.
+  bool ComputeLV(const std::vector<double>& v, std::vector<double>& out) const;
+  bool ComputeLTransV(const std::vector<double>& v,
+                      std::vector<double>& out) const;
+
+  // --- Products with symmetric matrices and traces.
+
+  // out = G S G, G symmetric of order n given by its packed triangle g.
+  // False (out unchanged) when g holds more than n(n+1)/2 elements; a
+  // shorter g is padded with zeros. An empty matrix gives an empty out.
+  bool ComputeGMG(const std::vector<double>& g, KXSymMatrix& out) const;
+  // out = L T L', this matrix's lower triangle read as the factor L, T the
+  // symmetric matrix. False (out unchanged) when the orders differ; out is
+  // reshaped to order n.
+  bool ComputeLSLTrans(const KXSymMatrix& T, KXSymMatrix& out) const;
+  // out = S'S = S S (out reshaped to order n). Always true.
+  bool ComputeSTransS(KXSymMatrix& out) const;
+  // tr S (0 for an empty matrix).
+  double Trace() const;
+  // tr(S T); missing when the orders differ.
+  double TraceOfProduct(const KXSymMatrix& T) const;
+  // tr(S T U); missing when the orders differ.
+  double TraceOfProductOfThree(const KXSymMatrix& T,
+                               const KXSymMatrix& U) const;
+
+  // --- Elementwise edits and diagnostics.
+
+  // Shrinks every off-diagonal element so that |a_ij| <= maxCorr *
+  // sqrt(a_ii a_jj) (its sign kept), e.g. to keep an estimated covariance
+  // away from perfect correlation. Off-diagonals against a diagonal <= 0
+  // become 0. False (nothing changed) when maxCorr is outside [0, 1] or a
+  // diagonal element is negative.
+  bool AdjustOffDiagCorr(double maxCorr);
+  // Imposes pattern's structural zeros: every off-diagonal element whose
+  // counterpart in pattern is exactly 0 is set to 0 here. False (nothing
+  // changed) when the orders differ. pattern is not modified.
+  bool SetCovarZeros(KXSymMatrix& pattern);
+  // Every element (diagonal included) with |a_ij| <= tol set to 0 (an
+  // absolute threshold, for clearing rounding noise). Returns the number of
+  // elements zeroed, -1 (nothing changed) when tol < 0 or NaN.
+  int ZeroOutAllSmall(double tol);
+  // Every off-diagonal element with |a_ij| <= tol * sqrt(|a_ii a_jj|) set to
+  // 0 (relative to the diagonal). Returns the number zeroed, -1 (nothing
+  // changed) when tol < 0 or NaN.
+  int ZeroOutNonDiag(double tol);
+  // Row and column i set to 0 for every row whose diagonal does not exceed
+  // tol times the largest diagonal element. Returns the number of rows
+  // zeroed, -1 (nothing changed) when tol < 0 or NaN; 0 when no diagonal
+  // element is positive.
+  int ZeroOutRowsForSmallDiag(double tol);
+  // Largest and smallest diagonal and off-diagonal (j < i) element. False
+  // and all outputs untouched for n < 1; for n == 1 the off-diagonal outputs
+  // are left untouched.
+  bool MaxMinDiagOffDiag(double& maxDiag, double& minDiag, double& maxOff,
+                         double& minOff) const;
+  // d receives the diagonal (resized to n); each element below tol becomes
+  // replacement, giving a diagonal usable as origDiag. Returns the number
+  // replaced.
+  int GetNCheckDiagonal(std::vector<double>& d, double tol,
+                        double replacement) const;
+  // out[start + j*inc] += c * a_(row, j) for j = 0..n-1 (fullRow) or
+  // j = 0..row (stored part only). False (out unchanged) when row is out of
+  // range, start < 0, inc < 1 or out is too short.
+  bool IncrVecByRow(int row, std::vector<double>& out, int start, int inc,
+                    double c, bool fullRow) const;
+  // Copies elements (first..last, col) of column col into out[outStart ..]
+  // (out grows when shorter). False (out unchanged) when an index is out of
+  // range, first > last or outStart < 0.
+  bool GetPCol(int col, int first, int last, std::vector<double>& out,
+               int outStart) const;
+  // The full n x n matrix, row-major, into full (resized to n*n).
+  void ExpandSym(std::vector<double>& full) const;
+  // out becomes the principal submatrix on rows first..first+count-1. False
+  // (out unchanged) when the range is outside 0..n-1 or count < 0.
+  bool ExtractH(int first, int count, KXSymMatrix& out) const;
+  // True when row i is exactly 0 at every column whose bit is set in cols.
+  // False when i is outside 0..n-1.
+  bool IsZeroRow(int i, const KXBitSet& cols) const;
+  // Congruence with a diagonal matrix D = diag(scale): S := D S D, as when
+  // reparameterising by scaling each parameter. False (nothing changed)
+  // when scale has fewer than n elements.
+  bool TransformParameterMatrix(const std::vector<double>& scale);
+  // The same, scaling only the rows in rows (others use 1). False when
+  // scale has fewer than n elements.
+  bool TransformParameterMatrix(const std::vector<double>& scale,
+                                const KXBitSet& rows);
+
+  // ======================================================================
+  // Products with rectangular matrices (KXSymMatrixRect.cpp)
+  // ======================================================================
+
+  // Weighted cross products of the columns of two blocks of cases.
+  bool UpdateXXMat2(const KXRectMatrix& r1, const KXRectMatrix& r2, double w);
+  // out = R S.
+  bool ComputeRS(const KXRectMatrix& R, KXRectMatrix& out) const;
+  // out = R S R'.
+  bool ComputeRSRTrans(const KXRectMatrix& R, KXSymMatrix& out) const;
+  // out = R' S R.
+  bool ComputeRTransSR(const KXRectMatrix& R, KXSymMatrix& out) const;
+  // out = S T (not symmetric in general).
+  bool ComputeSS(const KXSymMatrix& T, KXRectMatrix& out) const;
+  // This matrix becomes R R'.
+  bool ComputeRByRTrans(const KXRectMatrix& R);
+  // This matrix becomes R'R.
+  bool ComputeRTransByR(const KXRectMatrix& R);
+  // Copies full row i into column col of out, from row startRow.
+  bool CopyRowToRColumn(int i, KXRectMatrix& out, int col, int startRow) const;
+  // out becomes the full n x n matrix.
+  bool ExpandSymToRect(KXRectMatrix& out) const;
+};
+
+}  // namespace KXCommon
+
+#endif  // KXCOMMONR_COMMON_KXSYMMATRIX_H
