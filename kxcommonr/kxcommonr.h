@@ -10,6 +10,11 @@
 
 // Foundations
 #include "kxcommonr/common/KXMV.h"
+#include "kxcommonr/common/KXStatus.h"
+#include "kxcommonr/common/KXPower.h"
+#include "kxcommonr/common/KXExtremeNum.h"
+#include "kxcommonr/common/KXBitSet.h"
+#include "kxcommonr/common/display/KXComponentDisplay.h"
 
 // Matrices
 #include "kxcommonr/common/KXSymMatrixData.h"
