@@ -87,6 +87,12 @@ class KXCOMMONR_API KXSymMatrixData {
   // 0) and returns whether the vector now has that size. An allocation
   // failure is caught and reported as false; data is then left as it was.
   static bool ResizeNRows(std::vector<double>& data, int& n);
+  // True when the order is valid and the data vector holds exactly
+  // n(n+1)/2 elements (a caller may have resized it through AsVector()).
+  // Operations that walk the triangle refuse an inconsistent matrix.
+  bool HasConsistentData() const {
+    return nRows >= 0 && data.size() == PackedSize(nRows);
+  }
 
   int nRows;
   int nBlocks;

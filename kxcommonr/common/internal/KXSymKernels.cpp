@@ -1,0 +1,35 @@
+// kxcommonr/common/internal/KXSymKernels.cpp
+#include "kxcommonr/common/internal/KXSymKernels.h"
+
+namespace KXCommon {
+namespace internal {
+
+namespace {
+
+// One stored row: y[j] += c * x[j]. Each y[j] is an independent output, so
+// the compiler's vectorisation of this loop cannot change any result.
+inline void AddScaledRow(double* __restrict y, const double* __restrict x,
+                         double c, std::size_t count) {
+  for (std::size_t j = 0; j < count; ++j) y[j] += c * x[j];
+}
+
+}  // namespace
+
+KXSYM_DISPATCH_CLONES
+void PackedRankOneUpdate(double* packed, const double* x, std::size_t n,
+                         double w) {
+  double* row = packed;
+  for (std::size_t i = 0; i < n; ++i) {
+    const double xi = x[i];
+    if (xi != 0.0) AddScaledRow(row, x, xi * w, i + 1);
+    row += i + 1;
+  }
+}
+
+KXSYM_DISPATCH_CLONES
+void ScaledAdd(double* y, const double* x, double c, std::size_t count) {
+  AddScaledRow(y, x, c, count);
+}
+
+}  // namespace internal
+}  // namespace KXCommon
