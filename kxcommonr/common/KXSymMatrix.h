@@ -58,6 +58,7 @@ class KXCOMMONR_API KXSymMatrix : public KXSymMatrixData {
   // The packed lower triangle itself, modifiable. The caller must keep its
   // size at n(n+1)/2.
   std::vector<double>& AsVector() { return data; }
+  const std::vector<double>& AsVector() const { return data; }
 
   // One block of max(n, 0) rows. The leading packed elements are kept (the
   // leading block of the old matrix survives), new elements are 0. Returns
