@@ -15,9 +15,15 @@
 #include "kxcommonr/common/KXExtremeNum.h"
 #include "kxcommonr/common/KXBitSet.h"
 #include "kxcommonr/common/display/KXComponentDisplay.h"
+#include "kxcommonr/common/Blas1.h"
+#include "kxcommonr/common/KXMathFun.h"
+#include "kxcommonr/common/KXHashKey.h"
+#include "kxcommonr/common/KXPackedInt.h"
 
 // Matrices
 #include "kxcommonr/common/KXSymMatrixData.h"
 #include "kxcommonr/common/KXSymMatrix.h"
+#include "kxcommonr/common/KXRectMatrixData.h"
+#include "kxcommonr/common/KXRectMatrix.h"
 
 #endif  // KXCOMMONR_KXCOMMONR_H
