@@ -1,0 +1,520 @@
+// examples/regress/regress_test.cpp
+//
+// The regression program against the NIST StRD certified values (read from
+// examples/data/certified.json, measured by log relative error), properties of
+// the fit checked against independent computations (replicated cases for
+// frequency weights, shifted predictors for the centring, an exact linear
+// combination for aliasing), the CSV reader, and the program's messages.
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "examples/regress/CsvTable.h"
+#include "examples/regress/RegressCommand.h"
+#include "examples/regress/RegressionFit.h"
+#include "examples/regress/RegressionReport.h"
+#include "examples/regress/TestJson.h"
+#include "kxcommonr/common/KXMV.h"
+
+namespace kxregress {
+namespace {
+
+using KXCommon::KXMV;
+using kxtestjson::Value;
+
+std::string DataPath(const std::string& name) {
+  return std::string(KX_TEST_DATA_DIR) + "/examples/data/" + name;
+}
+
+const Value& Certified() {
+  static const Value root = [] {
+    std::ifstream in(DataPath("certified.json"), std::ios::binary);
+    std::stringstream text;
+    text << in.rdbuf();
+    Value parsed;
+    if (!Value::Parse(text.str(), parsed)) parsed = Value();
+    return parsed;
+  }();
+  return root;
+}
+
+// Log relative error: the number of significant digits on which the value
+// agrees with the certified one (capped at 15; absolute error for a zero).
+double Lre(double value, double certified) {
+  if (KXMV::IsMissing(value) || !std::isfinite(value)) return 0.0;
+  const double error = certified == 0.0 ? std::fabs(value)
+                                        : std::fabs(value - certified) / std::fabs(certified);
+  if (error == 0.0) return 15.0;
+  return std::min(15.0, -std::log10(error));
+}
+
+// The model of a certified dataset as the program takes it.
+RegressionModel CertifiedModel(const CsvTable& table, const Value& certifiedModel) {
+  RegressionModel model;
+  model.target = table.FindColumn("y");
+  for (const std::string& name : certifiedModel["columns"].Strings()) {
+    model.predictors.push_back(table.FindColumn(name));
+  }
+  model.intercept = certifiedModel["intercept"].Bool();
+  return model;
+}
+
+struct Accuracy {
+  const char* dataset;
+  double coefficientDigits;
+  double stdErrorDigits;
+  double summaryDigits;  // residual SD and R-squared
+};
+
+class CertifiedFit : public ::testing::TestWithParam<Accuracy> {};
+
+TEST_P(CertifiedFit, MatchesCertifiedValues) {
+  const Accuracy& target = GetParam();
+  const Value& certified = Certified()["datasets"][target.dataset];
+  ASSERT_FALSE(certified.IsNull()) << "certified.json lacks " << target.dataset;
+
+  CsvTable table;
+  std::string error;
+  ASSERT_TRUE(table.ReadFile(DataPath(certified["csv"].String()), error)) << error;
+  ASSERT_EQ(table.NumRows(), static_cast<std::size_t>(certified["observations"].Number()));
+  const RegressionModel model = CertifiedModel(table, certified["model"]);
+  RegressionFit fit;
+  FitError fitError;
+  ASSERT_TRUE(FitRegression(table, model, fit, fitError)) << fitError.message;
+
+  const std::vector<double> coefficients = certified["coefficients"].Numbers();
+  const std::vector<double> stdErrors = certified["std_errors"].Numbers();
+  ASSERT_EQ(fit.coefficients.size(), coefficients.size());
+  for (std::size_t k = 0; k < coefficients.size(); ++k) {
+    SCOPED_TRACE(fit.coefficients[k].term);
+    EXPECT_FALSE(fit.coefficients[k].aliased);
+    EXPECT_GE(Lre(fit.coefficients[k].estimate, coefficients[k]), target.coefficientDigits)
+        << fit.coefficients[k].estimate << " vs " << coefficients[k];
+    EXPECT_GE(Lre(fit.coefficients[k].stdError, stdErrors[k]), target.stdErrorDigits)
+        << fit.coefficients[k].stdError << " vs " << stdErrors[k];
+  }
+  EXPECT_GE(Lre(fit.residualSd, certified["residual_sd"].Number()), target.summaryDigits);
+  EXPECT_GE(Lre(fit.rSquared, certified["r_squared"].Number()), target.summaryDigits);
+
+  const Value& anova = certified["anova"];
+  EXPECT_EQ(fit.residualDf, anova["residual_df"].Number());
+  EXPECT_EQ(fit.rank, static_cast<int>(anova["regression_df"].Number()));
+  EXPECT_GE(Lre(fit.rss, anova["residual_ss"].Number()), target.summaryDigits);
+  if (!anova["f_statistic"].IsNull()) {
+    EXPECT_GE(Lre(fit.fStatistic, anova["f_statistic"].Number()), target.summaryDigits - 1.0);
+  }
+  // The F p-value is the upper tail of the statistic, hence in [0, 1].
+  ASSERT_FALSE(KXMV::IsMissing(fit.fPValue));
+  EXPECT_GE(fit.fPValue, 0.0);
+  EXPECT_LE(fit.fPValue, 1.0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Nist, CertifiedFit,
+                         ::testing::Values(Accuracy{"Longley", 11, 12, 12},
+                                           Accuracy{"Norris", 12, 12, 12},
+                                           Accuracy{"NoInt1", 14, 13, 13},
+                                           Accuracy{"NoInt2", 14, 13, 13}),
+                         [](const ::testing::TestParamInfo<Accuracy>& info) {
+                           return std::string(info.param.dataset);
+                         });
+
+// Runs the program in-process; returns the exit code.
+int RunProgram(const std::vector<std::string>& args, std::string& out, std::string& err) {
+  std::ostringstream outStream;
+  std::ostringstream errStream;
+  const int code = RunRegress(args, outStream, errStream);
+  out = outStream.str();
+  err = errStream.str();
+  return code;
+}
+
+TEST(RegressProgram, JsonOutputCarriesTheExactFit) {
+  std::string out;
+  std::string err;
+  ASSERT_EQ(RunProgram({DataPath("Longley.csv"), "--format", "json"}, out, err), 0) << err;
+  Value report;
+  ASSERT_TRUE(Value::Parse(out, report)) << out;
+
+  CsvTable table;
+  std::string error;
+  ASSERT_TRUE(table.ReadFile(DataPath("Longley.csv"), error));
+  const Value& certified = Certified()["datasets"]["Longley"];
+  RegressionFit fit;
+  FitError fitError;
+  ASSERT_TRUE(FitRegression(table, CertifiedModel(table, certified["model"]), fit, fitError));
+
+  // The default model (target the first column, every other column a
+  // predictor) is the certified one, and 17 digits give back every double.
+  EXPECT_EQ(report["target"].String(), "y");
+  EXPECT_EQ(report["cases_used"].Number(), 16.0);
+  const Value& rows = report["coefficients"];
+  ASSERT_EQ(rows.Size(), fit.coefficients.size());
+  for (std::size_t k = 0; k < rows.Size(); ++k) {
+    EXPECT_EQ(rows[k]["term"].String(), fit.coefficients[k].term);
+    EXPECT_EQ(rows[k]["estimate"].Number(), fit.coefficients[k].estimate);
+    EXPECT_EQ(rows[k]["std_error"].Number(), fit.coefficients[k].stdError);
+    EXPECT_EQ(rows[k]["t_value"].Number(), fit.coefficients[k].tValue);
+    EXPECT_EQ(rows[k]["p_value"].Number(), fit.coefficients[k].pValue);
+  }
+  EXPECT_EQ(report["residual_sd"].Number(), fit.residualSd);
+  EXPECT_EQ(report["r_squared"].Number(), fit.rSquared);
+  EXPECT_EQ(report["f_statistic"].Number(), fit.fStatistic);
+  EXPECT_EQ(report["f_p_value"].Number(), fit.fPValue);
+}
+
+TEST(RegressProgram, CsvTableReadsBackThroughTheCsvReader) {
+  std::string out;
+  std::string err;
+  ASSERT_EQ(RunProgram({DataPath("Norris.csv"), "--format=csv"}, out, err), 0) << err;
+  CsvTable table;
+  std::string error;
+  ASSERT_TRUE(table.Parse(out, error)) << error;
+  ASSERT_EQ(table.NumRows(), 2u);
+  const std::vector<double> coefficients =
+      Certified()["datasets"]["Norris"]["coefficients"].Numbers();
+  const int estimate = table.FindColumn("estimate");
+  ASSERT_GE(estimate, 0);
+  EXPECT_GE(Lre(table.At(0, estimate), coefficients[0]), 12.0);
+  EXPECT_GE(Lre(table.At(1, estimate), coefficients[1]), 12.0);
+}
+
+TEST(RegressProgram, TextReportAndDisplay) {
+  std::string out;
+  std::string err;
+  ASSERT_EQ(RunProgram({DataPath("Longley.csv"), "--display"}, out, err), 0) << err;
+  EXPECT_TRUE(err.empty()) << err;
+  for (const char* expected :
+       {"Cases used: 16, skipped: 0", "(Intercept)", "Residual standard error:",
+        "on 9 degrees of freedom", "adjusted R-squared:", "F statistic:", "on 6 and 9",
+        "KXSymMatrix full matrix display start", "KXBitSet display start"}) {
+    EXPECT_NE(out.find(expected), std::string::npos) << expected << "\n" << out;
+  }
+  EXPECT_EQ(out.find("aliased"), std::string::npos);
+}
+
+struct ErrorCase {
+  std::vector<std::string> args;
+  int exitCode;
+  const char* message;
+};
+
+TEST(RegressProgram, RefusesBadInputWithOneLineMessages) {
+  const std::string longley = DataPath("Longley.csv");
+  // Small files in the working directory (the test's build directory).
+  const std::string noUsable = "regress_test_no_usable.csv";
+  const std::string tooFew = "regress_test_too_few.csv";
+  std::ofstream(noUsable) << "y,x\n1,\n,2\nNA,3\n";
+  std::ofstream(tooFew) << "y,a,b,c\n1,2,3,4\n2,3,5,7\n";
+  const std::vector<ErrorCase> cases = {
+      {{DataPath("NoSuchFile.csv")}, 1, "cannot open"},
+      {{longley, "-x", "x1,x9"}, 1, "unknown column 'x9'"},
+      {{longley, "-y", "income"}, 1, "unknown column 'income'"},
+      {{longley, "-w", "weights"}, 1, "unknown column 'weights'"},
+      {{noUsable}, 1, "no usable cases (3 with an empty or non-numeric cell)"},
+      {{tooFew}, 1, "fewer cases (2) than parameters (4)"},
+      {{DataPath("NoInt2.csv"), "--no-intercept", "-x", "x1", "-w", "y"}, 1, "weight"},
+      {{longley, "--bogus"}, 2, "unknown option '--bogus'"},
+      {{longley, "--tol", "-1"}, 2, "--tol"},
+      {{longley, "--format", "xml"}, 2, "--format"},
+      {{}, 2, "no input file"},
+      {{longley, "-x", "x1,y"}, 1, "cannot also be a predictor"},
+  };
+  for (const ErrorCase& c : cases) {
+    std::string out;
+    std::string err;
+    const std::string joined = c.args.empty() ? std::string("(none)") : c.args.back();
+    EXPECT_EQ(RunProgram(c.args, out, err), c.exitCode) << joined;
+    EXPECT_EQ(err.rfind("kxregress: ", 0), 0u) << err;
+    EXPECT_NE(err.find(c.message), std::string::npos) << err;
+    EXPECT_EQ(std::count(err.begin(), err.end(), '\n'), 1) << err;
+    EXPECT_TRUE(out.empty()) << out;
+  }
+  std::string out;
+  std::string err;
+  EXPECT_EQ(RunProgram({"--help"}, out, err), 0);
+  EXPECT_EQ(out.rfind("Usage: kxregress", 0), 0u);
+  std::remove(noUsable.c_str());
+  std::remove(tooFew.c_str());
+}
+
+TEST(RegressProgram, NoUsableCasesAndTooFewCases) {
+  CsvTable table;
+  std::string error;
+  ASSERT_TRUE(table.Parse("y,x,w\n1,,1\n2,abc,1\n3,4,0\n", error)) << error;
+  RegressionModel model;
+  model.target = 0;
+  model.predictors = {1};
+  model.weight = 2;
+  RegressionFit fit;
+  FitError fitError;
+  EXPECT_FALSE(FitRegression(table, model, fit, fitError));
+  EXPECT_EQ(fitError.kind, FitErrorKind::kNoUsableCases);
+  EXPECT_NE(fitError.message.find("2 with an empty or non-numeric cell, 1 with a weight <= 0"),
+            std::string::npos)
+      << fitError.message;
+
+  // Weights count cases: one case of weight 1.5 is fewer than 2 parameters.
+  ASSERT_TRUE(table.Parse("y,x,w\n1,2,1.5\n", error));
+  EXPECT_FALSE(FitRegression(table, model, fit, fitError));
+  EXPECT_EQ(fitError.kind, FitErrorKind::kTooFewCases);
+  EXPECT_TRUE(fit.coefficients.empty());  // a failed fit leaves the result alone
+}
+
+// Norris with whole frequency weights must give the fit of the data with each
+// case repeated that many times.
+TEST(RegressFit, FrequencyWeightsEqualReplicatedCases) {
+  CsvTable norris;
+  std::string error;
+  ASSERT_TRUE(norris.ReadFile(DataPath("Norris.csv"), error)) << error;
+  std::vector<double> weightedCells;
+  std::vector<double> replicatedCells;
+  for (std::size_t r = 0; r < norris.NumRows(); ++r) {
+    const double weight = static_cast<double>(1 + r % 3);
+    weightedCells.insert(weightedCells.end(), {norris.At(r, 0), norris.At(r, 1), weight});
+    for (int copy = 0; copy < static_cast<int>(weight); ++copy) {
+      replicatedCells.insert(replicatedCells.end(), {norris.At(r, 0), norris.At(r, 1), 1.0});
+    }
+  }
+  CsvTable weighted;
+  CsvTable replicated;
+  ASSERT_TRUE(weighted.Assign({"y", "x1", "w"}, weightedCells));
+  ASSERT_TRUE(replicated.Assign({"y", "x1", "w"}, replicatedCells));
+  RegressionModel model;
+  model.target = 0;
+  model.predictors = {1};
+  model.weight = 2;
+  RegressionFit a;
+  RegressionFit b;
+  FitError fitError;
+  ASSERT_TRUE(FitRegression(weighted, model, a, fitError)) << fitError.message;
+  ASSERT_TRUE(FitRegression(replicated, model, b, fitError)) << fitError.message;
+  EXPECT_EQ(a.casesUsed, norris.NumRows());
+  EXPECT_EQ(a.sumWeights, static_cast<double>(b.casesUsed));
+  EXPECT_EQ(a.residualDf, b.residualDf);
+  for (std::size_t k = 0; k < a.coefficients.size(); ++k) {
+    EXPECT_GE(Lre(a.coefficients[k].estimate, b.coefficients[k].estimate), 12.0);
+    EXPECT_GE(Lre(a.coefficients[k].stdError, b.coefficients[k].stdError), 12.0);
+    EXPECT_GE(Lre(a.coefficients[k].pValue, b.coefficients[k].pValue), 10.0);
+  }
+  EXPECT_GE(Lre(a.residualSd, b.residualSd), 12.0);
+  EXPECT_GE(Lre(a.fStatistic, b.fStatistic), 10.0);
+}
+
+// Incomplete cases and non-positive weights are skipped and counted, and the
+// fit is that of the complete cases alone.
+TEST(RegressFit, SkippedCasesLeaveTheFitOfTheRest) {
+  CsvTable norris;
+  std::string error;
+  ASSERT_TRUE(norris.ReadFile(DataPath("Norris.csv"), error));
+  std::ostringstream dirty;
+  dirty << "y,x1,w,note\n";
+  for (std::size_t r = 0; r < norris.NumRows(); ++r) {
+    dirty << FormatNumber(norris.At(r, 0), 17) << ',' << FormatNumber(norris.At(r, 1), 17)
+          << ",1,ok\n";
+    if (r % 5 == 0) dirty << "7,,1,empty x\n";
+    if (r % 7 == 0) dirty << "NA,3,1,text y\n";
+    if (r % 9 == 0) dirty << "5,3,0,zero weight\n";
+    if (r % 11 == 0) dirty << "5,3,-2,negative weight\n";
+  }
+  CsvTable table;
+  ASSERT_TRUE(table.Parse(dirty.str(), error)) << error;
+  RegressionModel model;
+  model.target = 0;
+  model.predictors = {1};
+  model.weight = 2;
+  RegressionFit clean;
+  RegressionFit fit;
+  FitError fitError;
+  ASSERT_TRUE(FitRegression(table, model, fit, fitError)) << fitError.message;
+  RegressionModel cleanModel = model;
+  cleanModel.weight = -1;
+  ASSERT_TRUE(FitRegression(norris, cleanModel, clean, fitError));
+  EXPECT_EQ(fit.casesUsed, norris.NumRows());
+  EXPECT_EQ(fit.casesSkippedCells, 8u + 6u);
+  EXPECT_EQ(fit.casesSkippedWeight, 4u + 4u);
+  for (std::size_t k = 0; k < fit.coefficients.size(); ++k) {
+    EXPECT_EQ(fit.coefficients[k].estimate, clean.coefficients[k].estimate);
+    EXPECT_EQ(fit.coefficients[k].stdError, clean.coefficients[k].stdError);
+  }
+}
+
+// A predictor with a large mean and a small spread (a year, or here Norris's x
+// times 10 plus 1e9) keeps its slope and standard error: the cross-products
+// are centred, so it does not look like a multiple of the intercept (from raw
+// cross-products its residual share would be about 1e-11, below the
+// tolerance).
+TEST(RegressFit, ShiftedPredictorKeepsSlopeAndStandardError) {
+  CsvTable norris;
+  std::string error;
+  ASSERT_TRUE(norris.ReadFile(DataPath("Norris.csv"), error));
+  std::vector<double> cells;
+  for (std::size_t r = 0; r < norris.NumRows(); ++r) {
+    // Norris's x has one decimal: 10 x is an integer and the sum is exact.
+    const double scaled = std::round(norris.At(r, 1) * 10.0);
+    ASSERT_LT(std::fabs(scaled - norris.At(r, 1) * 10.0), 1e-9);
+    cells.insert(cells.end(), {norris.At(r, 0), scaled + 1e9});
+  }
+  CsvTable shifted;
+  ASSERT_TRUE(shifted.Assign({"y", "x1"}, cells));
+  RegressionModel model;
+  model.target = 0;
+  model.predictors = {1};
+  model.tol = 1e-10;
+  RegressionFit fit;
+  FitError fitError;
+  ASSERT_TRUE(FitRegression(shifted, model, fit, fitError)) << fitError.message;
+  ASSERT_FALSE(fit.coefficients[1].aliased);
+  const Value& certified = Certified()["datasets"]["Norris"];
+  EXPECT_GE(Lre(fit.coefficients[1].estimate * 10.0, certified["coefficients"][1].Number()), 12.0);
+  EXPECT_GE(Lre(fit.coefficients[1].stdError * 10.0, certified["std_errors"][1].Number()), 12.0);
+  EXPECT_GE(Lre(fit.residualSd, certified["residual_sd"].Number()), 12.0);
+  EXPECT_GE(Lre(fit.rSquared, certified["r_squared"].Number()), 12.0);
+}
+
+// Longley with x7 = x1 + x2 (exact in doubles) after them, and a constant
+// column: both refused by the sweep, reported aliased, and the rest of the fit
+// is the certified one.
+TEST(RegressFit, AliasedPredictorsAreReportedNotEstimated) {
+  CsvTable longley;
+  std::string error;
+  ASSERT_TRUE(longley.ReadFile(DataPath("Longley.csv"), error));
+  std::vector<double> cells;
+  for (std::size_t r = 0; r < longley.NumRows(); ++r) {
+    for (int c = 0; c < longley.NumColumns(); ++c) cells.push_back(longley.At(r, c));
+    cells.push_back(longley.At(r, 1) + longley.At(r, 2));
+    cells.push_back(42.0);
+  }
+  std::vector<std::string> names = longley.Names();
+  names.push_back("x7");
+  names.push_back("constant");
+  CsvTable table;
+  ASSERT_TRUE(table.Assign(names, cells));
+  RegressionModel model;
+  model.target = 0;
+  model.predictors = {1, 2, 3, 7, 8, 4, 5, 6};
+  RegressionFit fit;
+  FitError fitError;
+  ASSERT_TRUE(FitRegression(table, model, fit, fitError)) << fitError.message;
+  EXPECT_EQ(fit.rank, 6);
+  EXPECT_EQ(fit.residualDf, 9.0);
+  ASSERT_EQ(fit.coefficients.size(), 9u);
+  EXPECT_TRUE(fit.coefficients[4].aliased);
+  EXPECT_TRUE(fit.coefficients[5].aliased);
+  EXPECT_TRUE(KXMV::IsMissing(fit.coefficients[4].estimate));
+  EXPECT_FALSE(fit.sweptRows.IsIn(3));
+  EXPECT_FALSE(fit.sweptRows.IsIn(4));
+
+  const Value& certified = Certified()["datasets"]["Longley"];
+  const std::vector<double> coefficients = certified["coefficients"].Numbers();
+  const std::vector<double> stdErrors = certified["std_errors"].Numbers();
+  const std::size_t ours[] = {0, 1, 2, 3, 6, 7, 8};
+  for (std::size_t k = 0; k < 7; ++k) {
+    EXPECT_GE(Lre(fit.coefficients[ours[k]].estimate, coefficients[k]), 11.0) << k;
+    EXPECT_GE(Lre(fit.coefficients[ours[k]].stdError, stdErrors[k]), 11.0) << k;
+  }
+
+  std::ostringstream text;
+  WriteTextReport(fit, text);
+  EXPECT_NE(text.str().find("aliased"), std::string::npos);
+}
+
+TEST(CsvTable, ParsesQuotesMissingCellsAndLineEnds) {
+  CsvTable table;
+  std::string error;
+  ASSERT_TRUE(table.Parse("\xEF\xBB\xBF" "a, \"b,c\" ,d\r\n"
+                          "1, 2.5 ,\"3\"\r\n"
+                          "\r\n"
+                          "+4,x,\n"
+                          "-1e3,\"\"\"q\"\"\"\n"
+                          "5,6,7",
+                          error))
+      << error;
+  ASSERT_EQ(table.NumColumns(), 3);
+  EXPECT_EQ(table.Names()[0], "a");
+  EXPECT_EQ(table.Names()[1], "b,c");
+  EXPECT_EQ(table.FindColumn("b,c"), 1);
+  EXPECT_EQ(table.FindColumn("B,C"), -1);
+  ASSERT_EQ(table.NumRows(), 4u);
+  EXPECT_EQ(table.At(0, 0), 1.0);
+  EXPECT_EQ(table.At(0, 1), 2.5);
+  EXPECT_EQ(table.At(0, 2), 3.0);
+  EXPECT_EQ(table.At(1, 0), 4.0);
+  EXPECT_TRUE(KXMV::IsMissing(table.At(1, 1)));
+  EXPECT_TRUE(KXMV::IsMissing(table.At(1, 2)));
+  EXPECT_EQ(table.At(2, 0), -1000.0);
+  EXPECT_TRUE(KXMV::IsMissing(table.At(2, 1)));  // the text "q" in quotes
+  EXPECT_TRUE(KXMV::IsMissing(table.At(2, 2)));  // a short row
+  EXPECT_EQ(table.At(3, 2), 7.0);
+  EXPECT_EQ(table.NumericCount(1), 2u);
+  EXPECT_EQ(table.NonNumericCount(1), 2u);
+  EXPECT_EQ(table.NonNumericCount(2), 0u);
+}
+
+TEST(CsvTable, RejectsMalformedTextWithTheLine) {
+  const std::vector<std::pair<std::string, std::string>> cases = {
+      {"", "empty"},
+      {"\n\n", "empty"},
+      {"a,,c\n1,2,3\n", "line 1: column 2 of the header has no name"},
+      {"a,b,a\n", "line 1: column name 'a' appears twice"},
+      {"a,b\n1,2\n\n3,4,5\n", "line 4: more fields than the 2 columns"},
+      {"a,b\n1,\"2\n", "unterminated"},
+      {"a,b\n1,\"2\"x\n", "line 2: unterminated or malformed"},
+  };
+  for (const auto& c : cases) {
+    CsvTable table;
+    ASSERT_TRUE(table.Assign({"keep"}, {1.0}));
+    std::string error;
+    EXPECT_FALSE(table.Parse(c.first, error)) << c.first;
+    EXPECT_NE(error.find(c.second), std::string::npos) << error;
+    EXPECT_EQ(table.NumRows(), 1u);  // unchanged on failure
+    EXPECT_EQ(table.Names()[0], "keep");
+  }
+}
+
+TEST(CsvTable, NumbersRoundTripAndNonNumbersAreRefused) {
+  double value = 0.0;
+  EXPECT_TRUE(ParseNumber("0.1", value));
+  EXPECT_EQ(value, 0.1);
+  EXPECT_TRUE(ParseNumber(" \t-2.5e-3 ", value));
+  EXPECT_EQ(value, -2.5e-3);
+  EXPECT_TRUE(ParseNumber("+7", value));
+  EXPECT_EQ(value, 7.0);
+  EXPECT_TRUE(ParseNumber("4.9406564584124654e-324", value));
+  EXPECT_EQ(value, 4.9406564584124654e-324);
+  value = 9.0;
+  for (const char* bad : {"", " ", "+", "+-1", "1.2.3", "1e", "abc", "0x10", "inf", "nan",
+                          "-Infinity", "1e400", "1,5", "--1", "2 3"}) {
+    EXPECT_FALSE(ParseNumber(bad, value)) << bad;
+  }
+  EXPECT_EQ(value, 9.0);
+  // Every double written with 17 digits is read back exactly.
+  std::uint64_t state = 12345;
+  for (int i = 0; i < 2000; ++i) {
+    state = state * 6364136223846793005ULL + 1442695040888963407ULL;
+    double x = 0.0;
+    const std::uint64_t bits = (state >> 2) & 0x7FEFFFFFFFFFFFFFULL;
+    std::memcpy(&x, &bits, sizeof x);
+    double back = 0.0;
+    ASSERT_TRUE(ParseNumber(FormatNumber(x, 17), back)) << FormatNumber(x, 17);
+    EXPECT_EQ(back, x);
+  }
+}
+
+TEST(CsvTable, ReadFileReportsAMissingFile) {
+  CsvTable table;
+  std::string error;
+  EXPECT_FALSE(table.ReadFile(DataPath("does-not-exist.csv"), error));
+  EXPECT_NE(error.find("cannot open '"), std::string::npos) << error;
+  EXPECT_EQ(table.NumColumns(), 0);
+}
+
+}  // namespace
+}  // namespace kxregress
