@@ -23,6 +23,7 @@
 // Matrices
 #include "kxcommonr/common/KXSymMatrixData.h"
 #include "kxcommonr/common/KXSymMatrix.h"
+#include "kxcommonr/common/KXSymBlockMatrix.h"
 #include "kxcommonr/common/KXRectMatrixData.h"
 #include "kxcommonr/common/KXRectMatrix.h"
 
