@@ -7,6 +7,7 @@
 
 #include "kxcommonr/common/KXDistFun.h"
 #include "kxcommonr/common/KXMV.h"
+#include "kxcommonr/common/KXRectMatrix.h"
 
 namespace kxregress {
 namespace {
@@ -14,6 +15,7 @@ namespace {
 using KXCommon::KXBitSet;
 using KXCommon::KXDistFun;
 using KXCommon::KXMV;
+using KXCommon::KXRectMatrix;
 using KXCommon::KXSymMatrix;
 
 bool Fail(FitError& error, FitErrorKind kind, std::string message) {
@@ -55,6 +57,56 @@ double CaseWeight(const double* row, const Layout& layout, bool& skippedForCell)
   return w;
 }
 
+// Adds w z z' for every used case, z the case's model columns minus mean.
+bool AccumulateCrossProducts(const CsvTable& table, const Layout& layout,
+                             const std::vector<double>& weights, const std::vector<double>& mean,
+                             int caseBlock, KXSymMatrix& cross) {
+  const std::size_t order = layout.columns.size();
+  const std::size_t numRows = table.NumRows();
+  if (caseBlock <= 0) {
+    std::vector<double> centred(order);
+    for (std::size_t r = 0; r < numRows; ++r) {
+      const double w = weights[r];
+      if (w == 0.0) continue;
+      const double* row = table.Row(r);
+      for (std::size_t k = 0; k < order; ++k) centred[k] = row[layout.columns[k]] - mean[k];
+      if (!cross.UpdateXX(centred, w)) return false;
+    }
+    return true;
+  }
+
+  // Blocks of cases: UpdateXXMat2 adds (second(p, i) * 1) * first(p, j) over
+  // the cases p in order, so second = w z and first = z give the products
+  // c * z_j with c = z_i * w that UpdateXX forms.
+  const int numColumns = static_cast<int>(order);
+  KXRectMatrix first(caseBlock, numColumns);
+  KXRectMatrix second(caseBlock, numColumns);
+  std::size_t filled = 0;
+  auto flush = [&]() -> bool {
+    if (filled == 0) return true;
+    if (filled < static_cast<std::size_t>(caseBlock)) {
+      // The last, partial block.
+      const int rows = static_cast<int>(filled);
+      if (!first.Resize(rows, numColumns) || !second.Resize(rows, numColumns)) return false;
+    }
+    filled = 0;
+    return cross.UpdateXXMat2(first, second, 1.0);
+  };
+  for (std::size_t r = 0; r < numRows; ++r) {
+    const double w = weights[r];
+    if (w == 0.0) continue;
+    const double* row = table.Row(r);
+    double* z = first.AsVector().data() + filled * order;
+    double* wz = second.AsVector().data() + filled * order;
+    for (std::size_t k = 0; k < order; ++k) {
+      z[k] = row[layout.columns[k]] - mean[k];
+      wz[k] = z[k] * w;
+    }
+    if (++filled == static_cast<std::size_t>(caseBlock) && !flush()) return false;
+  }
+  return flush();
+}
+
 }  // namespace
 
 bool FitRegression(const CsvTable& table, const RegressionModel& model, RegressionFit& fit,
@@ -74,6 +126,7 @@ bool FitRegression(const CsvTable& table, const RegressionModel& model, Regressi
     }
   }
   if (!(model.tol > 0.0)) return Fail(error, FitErrorKind::kBadModel, "the tolerance must be > 0");
+  if (model.caseBlock < 0) return Fail(error, FitErrorKind::kBadModel, "the case block must be >= 0");
   if (model.predictors.empty() && !model.intercept) {
     return Fail(error, FitErrorKind::kBadModel, "a model without intercept needs a predictor");
   }
@@ -148,17 +201,9 @@ bool FitRegression(const CsvTable& table, const RegressionModel& model, Regressi
     }
   }
 
-  // Cross-products, one case at a time.
   KXSymMatrix cross(order);
-  std::vector<double> centred(static_cast<std::size_t>(order));
-  for (std::size_t r = 0; r < numRows; ++r) {
-    const double w = weights[r];
-    if (w == 0.0) continue;
-    const double* row = table.Row(r);
-    for (std::size_t k = 0; k < centred.size(); ++k) centred[k] = row[layout.columns[k]] - mean[k];
-    if (!cross.UpdateXX(centred, w)) {
-      return Fail(error, FitErrorKind::kLibrary, "the cross-product update refused a case");
-    }
+  if (!AccumulateCrossProducts(table, layout, weights, mean, model.caseBlock, cross)) {
+    return Fail(error, FitErrorKind::kLibrary, "the cross-product update refused a case");
   }
 
   // Sweep the predictors in order; a refused sweep marks an aliased one.

@@ -85,36 +85,42 @@ TEST_P(CertifiedFit, MatchesCertifiedValues) {
   std::string error;
   ASSERT_TRUE(table.ReadFile(DataPath(certified["csv"].String()), error)) << error;
   ASSERT_EQ(table.NumRows(), static_cast<std::size_t>(certified["observations"].Number()));
-  const RegressionModel model = CertifiedModel(table, certified["model"]);
-  RegressionFit fit;
-  FitError fitError;
-  ASSERT_TRUE(FitRegression(table, model, fit, fitError)) << fitError.message;
+  // Case by case through UpdateXX, and through UpdateXXMat2 in blocks of 5
+  // cases (the last block partial).
+  for (const int caseBlock : {0, 5}) {
+    SCOPED_TRACE("case block " + std::to_string(caseBlock));
+    RegressionModel model = CertifiedModel(table, certified["model"]);
+    model.caseBlock = caseBlock;
+    RegressionFit fit;
+    FitError fitError;
+    ASSERT_TRUE(FitRegression(table, model, fit, fitError)) << fitError.message;
 
-  const std::vector<double> coefficients = certified["coefficients"].Numbers();
-  const std::vector<double> stdErrors = certified["std_errors"].Numbers();
-  ASSERT_EQ(fit.coefficients.size(), coefficients.size());
-  for (std::size_t k = 0; k < coefficients.size(); ++k) {
-    SCOPED_TRACE(fit.coefficients[k].term);
-    EXPECT_FALSE(fit.coefficients[k].aliased);
-    EXPECT_GE(Lre(fit.coefficients[k].estimate, coefficients[k]), target.coefficientDigits)
-        << fit.coefficients[k].estimate << " vs " << coefficients[k];
-    EXPECT_GE(Lre(fit.coefficients[k].stdError, stdErrors[k]), target.stdErrorDigits)
-        << fit.coefficients[k].stdError << " vs " << stdErrors[k];
-  }
-  EXPECT_GE(Lre(fit.residualSd, certified["residual_sd"].Number()), target.summaryDigits);
-  EXPECT_GE(Lre(fit.rSquared, certified["r_squared"].Number()), target.summaryDigits);
+    const std::vector<double> coefficients = certified["coefficients"].Numbers();
+    const std::vector<double> stdErrors = certified["std_errors"].Numbers();
+    ASSERT_EQ(fit.coefficients.size(), coefficients.size());
+    for (std::size_t k = 0; k < coefficients.size(); ++k) {
+      SCOPED_TRACE(fit.coefficients[k].term);
+      EXPECT_FALSE(fit.coefficients[k].aliased);
+      EXPECT_GE(Lre(fit.coefficients[k].estimate, coefficients[k]), target.coefficientDigits)
+          << fit.coefficients[k].estimate << " vs " << coefficients[k];
+      EXPECT_GE(Lre(fit.coefficients[k].stdError, stdErrors[k]), target.stdErrorDigits)
+          << fit.coefficients[k].stdError << " vs " << stdErrors[k];
+    }
+    EXPECT_GE(Lre(fit.residualSd, certified["residual_sd"].Number()), target.summaryDigits);
+    EXPECT_GE(Lre(fit.rSquared, certified["r_squared"].Number()), target.summaryDigits);
 
-  const Value& anova = certified["anova"];
-  EXPECT_EQ(fit.residualDf, anova["residual_df"].Number());
-  EXPECT_EQ(fit.rank, static_cast<int>(anova["regression_df"].Number()));
-  EXPECT_GE(Lre(fit.rss, anova["residual_ss"].Number()), target.summaryDigits);
-  if (!anova["f_statistic"].IsNull()) {
-    EXPECT_GE(Lre(fit.fStatistic, anova["f_statistic"].Number()), target.summaryDigits - 1.0);
+    const Value& anova = certified["anova"];
+    EXPECT_EQ(fit.residualDf, anova["residual_df"].Number());
+    EXPECT_EQ(fit.rank, static_cast<int>(anova["regression_df"].Number()));
+    EXPECT_GE(Lre(fit.rss, anova["residual_ss"].Number()), target.summaryDigits);
+    if (!anova["f_statistic"].IsNull()) {
+      EXPECT_GE(Lre(fit.fStatistic, anova["f_statistic"].Number()), target.summaryDigits - 1.0);
+    }
+    // The F p-value is the upper tail of the statistic, hence in [0, 1].
+    ASSERT_FALSE(KXMV::IsMissing(fit.fPValue));
+    EXPECT_GE(fit.fPValue, 0.0);
+    EXPECT_LE(fit.fPValue, 1.0);
   }
-  // The F p-value is the upper tail of the statistic, hence in [0, 1].
-  ASSERT_FALSE(KXMV::IsMissing(fit.fPValue));
-  EXPECT_GE(fit.fPValue, 0.0);
-  EXPECT_LE(fit.fPValue, 1.0);
 }
 
 INSTANTIATE_TEST_SUITE_P(Nist, CertifiedFit,
@@ -306,6 +312,47 @@ TEST(RegressFit, FrequencyWeightsEqualReplicatedCases) {
   }
   EXPECT_GE(Lre(a.residualSd, b.residualSd), 12.0);
   EXPECT_GE(Lre(a.fStatistic, b.fStatistic), 10.0);
+}
+
+// Blocks of cases through UpdateXXMat2 add the same products in the same
+// order as one UpdateXX per case, whatever the block size.
+TEST(RegressFit, BlocksOfCasesGiveTheCaseByCaseFit) {
+  std::vector<double> cells;
+  std::uint64_t state = 2024;
+  auto uniform = [&state]() {
+    state = state * 6364136223846793005ULL + 1442695040888963407ULL;
+    return static_cast<double>(state >> 11) * 0x1.0p-53;
+  };
+  for (int r = 0; r < 1000; ++r) {
+    const double a = 50.0 + uniform();
+    const double b = uniform() * 1e3;
+    const double c = a * 0.5 + uniform() * 1e-3;  // nearly collinear with a
+    const double y = 3.0 * a - 0.002 * b + 7.0 * c + uniform();
+    cells.insert(cells.end(), {y, a, b, c, 1.0 + std::floor(uniform() * 4.0)});
+  }
+  CsvTable table;
+  ASSERT_TRUE(table.Assign({"y", "a", "b", "c", "w"}, cells));
+  RegressionModel model;
+  model.target = 0;
+  model.predictors = {1, 2, 3};
+  model.weight = 4;
+  RegressionFit byCase;
+  FitError fitError;
+  ASSERT_TRUE(FitRegression(table, model, byCase, fitError)) << fitError.message;
+  for (const int caseBlock : {1, 7, 256, 5000}) {
+    model.caseBlock = caseBlock;
+    RegressionFit byBlock;
+    ASSERT_TRUE(FitRegression(table, model, byBlock, fitError)) << fitError.message;
+    for (std::size_t k = 0; k < byCase.coefficients.size(); ++k) {
+      EXPECT_EQ(byBlock.coefficients[k].estimate, byCase.coefficients[k].estimate) << caseBlock;
+      EXPECT_EQ(byBlock.coefficients[k].stdError, byCase.coefficients[k].stdError) << caseBlock;
+    }
+    EXPECT_EQ(byBlock.rss, byCase.rss);
+  }
+  model.caseBlock = -1;
+  RegressionFit refused;
+  EXPECT_FALSE(FitRegression(table, model, refused, fitError));
+  EXPECT_EQ(fitError.kind, FitErrorKind::kBadModel);
 }
 
 // Incomplete cases and non-positive weights are skipped and counted, and the
