@@ -27,4 +27,16 @@
 #include "kxcommonr/common/KXRectMatrixData.h"
 #include "kxcommonr/common/KXRectMatrix.h"
 
+// XML
+#include "kxcommonr/xml/ExportFormat.h"
+#include "kxcommonr/xml/XMLInterface.h"
+#include "kxcommonr/xml/XMLAttribute.h"
+#include "kxcommonr/xml/XMLDocType.h"
+#include "kxcommonr/xml/XMLElement.h"
+#include "kxcommonr/xml/XMLString.h"
+#include "kxcommonr/xml/XMLObj.h"
+#include "kxcommonr/xml/XMLWriter.h"
+#include "kxcommonr/xml/XMLReader.h"
+#include "kxcommonr/xml/XMLUReader.h"
+
 #endif  // KXCOMMONR_KXCOMMONR_H

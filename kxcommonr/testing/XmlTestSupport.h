@@ -1,0 +1,81 @@
+// kxcommonr/testing/XmlTestSupport.h
+//
+// Helpers for tests that write XML: unique temporary files, and libxml2's
+// xmllint as an independent well-formedness checker (tests GTEST_SKIP when
+// xmllint is not on the PATH).
+#ifndef KXCOMMONR_TESTING_XMLTESTSUPPORT_H
+#define KXCOMMONR_TESTING_XMLTESTSUPPORT_H
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#ifndef _WIN32
+#include <unistd.h>
+#endif
+
+namespace kxtesting {
+
+// Removes the files it was given when the test program ends.
+class TempFileRegistry {
+ public:
+  ~TempFileRegistry() {
+    for (const std::string& path : paths_) std::remove(path.c_str());
+  }
+  void Add(const std::string& path) { paths_.push_back(path); }
+
+ private:
+  std::vector<std::string> paths_;
+};
+
+// A path in the test temp directory, unique within this process run; the
+// file is removed when the program ends.
+inline std::string TempFilePath(const std::string& stem) {
+  static std::atomic<int> counter{0};
+  static TempFileRegistry registry;
+  std::ostringstream path;
+  path << ::testing::TempDir() << "kx_" << stem << "_" << counter++;
+#ifndef _WIN32
+  path << "_" << static_cast<long>(::getpid());
+#endif
+  registry.Add(path.str());
+  return path.str();
+}
+
+// Writes `bytes` to a new temporary file and returns its path.
+inline std::string WriteTempFile(const std::string& stem, const std::string& bytes) {
+  const std::string path = TempFilePath(stem);
+  std::ofstream out(path, std::ios::binary);
+  out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  return path;
+}
+
+inline bool XmlLintAvailable() {
+  return std::system("command -v xmllint >/dev/null 2>&1") == 0;
+}
+
+// Runs `xmllint <options> file` and returns what it printed on standard
+// output; `ok` receives whether it exited with status 0.
+inline std::string RunXmlLint(const std::string& options, const std::string& path,
+                              bool& ok) {
+  const std::string outPath = path + ".lint";
+  const std::string command =
+      "xmllint " + options + " '" + path + "' >'" + outPath + "' 2>/dev/null";
+  ok = std::system(command.c_str()) == 0;
+  std::ifstream in(outPath, std::ios::binary);
+  std::ostringstream printed;
+  printed << in.rdbuf();
+  in.close();
+  std::remove(outPath.c_str());
+  return printed.str();
+}
+
+}  // namespace kxtesting
+
+#endif  // KXCOMMONR_TESTING_XMLTESTSUPPORT_H
