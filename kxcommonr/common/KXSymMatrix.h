@@ -375,23 +375,48 @@ class KXCOMMONR_API KXSymMatrix : public KXSymMatrixData {
   // Products with rectangular matrices (KXSymMatrixRect.cpp)
   // ======================================================================
 
-  // Weighted cross products of the columns of two blocks of cases.
+  // These members accumulate every output in increasing order of the
+  // summation index on blocked kernels dispatched to the widest vector unit
+  // available; results are the same bit for bit on every path. Outputs may
+  // be this matrix; a refused call leaves this matrix and out unchanged.
+
+  // Block form of UpdateXX. r1 holds a block of cases, one per row, with n
+  // columns; r2 holds the same cases, either as they are (r2 = r1) or each
+  // row already multiplied by its case weight. For every (i, j), j <= i,
+  // adds sum over the cases p, in order, of (r2(p, i) * w) * r1(p, j). So:
+  //   UpdateXXMat2(X, X, w)   == UpdateXX(row p of X, w) for p = 0, 1, ...
+  //   UpdateXXMat2(X, FX, 1)  == UpdateXX(row p of X, f_p) for p = 0, 1, ...
+  // where row p of FX is row p of X times f_p (computed as x * f_p), both
+  // bit for bit for finite data (UpdateXX skips zero elements, which can
+  // only change the sign of a zero). Only the lower triangle of r2'r1 is
+  // used, so r2 must be a row-scaled copy of r1 for the result to be a
+  // cross-product matrix. False (nothing added) when r1 does not have n
+  // columns, r2 differs from r1 in shape, or w <= 0 (or NaN).
   bool UpdateXXMat2(const KXRectMatrix& r1, const KXRectMatrix& r2, double w);
-  // out = R S.
+  // out = R S, R of n columns (out m x n). False when R's column count
+  // differs from n.
   bool ComputeRS(const KXRectMatrix& R, KXRectMatrix& out) const;
-  // out = R S R'.
+  // out = R S R', R of n columns (out of order R's row count). False when
+  // R's column count differs from n.
   bool ComputeRSRTrans(const KXRectMatrix& R, KXSymMatrix& out) const;
-  // out = R' S R.
+  // out = R' S R, R of n rows (out of order R's column count). False when
+  // R's row count differs from n.
   bool ComputeRTransSR(const KXRectMatrix& R, KXSymMatrix& out) const;
-  // out = S T (not symmetric in general).
+  // out = S T (n x n, not symmetric in general). False when the orders
+  // differ.
   bool ComputeSS(const KXSymMatrix& T, KXRectMatrix& out) const;
-  // This matrix becomes R R'.
+  // This matrix becomes R R' (order R's row count, one block). False
+  // (unchanged) only on allocation failure.
   bool ComputeRByRTrans(const KXRectMatrix& R);
-  // This matrix becomes R'R.
+  // This matrix becomes R'R (order R's column count, one block). False
+  // (unchanged) only on allocation failure.
   bool ComputeRTransByR(const KXRectMatrix& R);
-  // Copies full row i into column col of out, from row startRow.
+  // Copies full row i (n elements) into column col of out, rows startRow ..
+  // startRow+n-1. False (out unchanged) when i or col is out of range,
+  // startRow < 0, or the rows run past the end of out.
   bool CopyRowToRColumn(int i, KXRectMatrix& out, int col, int startRow) const;
-  // out becomes the full n x n matrix.
+  // out becomes the full n x n matrix. False (out unchanged) only on
+  // allocation failure.
   bool ExpandSymToRect(KXRectMatrix& out) const;
 };
 
