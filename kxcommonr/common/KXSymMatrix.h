@@ -121,83 +121,168 @@ class KXCOMMONR_API KXSymMatrix : public KXSymMatrixData {
   void DisplayF() const;
 
   // ======================================================================
-  // Sweep, Cholesky, inverse and solve (KXSymMatrixFactor.cpp)
+  // Sweep, Cholesky, inverse and solve (KXSymMatrixFactor.cpp,
+  // KXSymMatrixSolve.cpp)
   // ======================================================================
+  //
+  // origDiag is the diagonal before any sweeping or factorising (one
+  // element per row, non-negative); a pivot of row i counts as zero when it
+  // does not exceed tol * origDiag[i]. A factorised matrix holds L (A = L L')
+  // in the same packed positions. A redundant row i has l_ii == 0 and a zero
+  // column below it; its own entries l_ij (j < i) stay as computed, so L L'
+  // still reproduces A. Later operations skip a zero diagonal of L.
+  //
+  // Allocation: Sweep never allocates. LTChol allocates one panel of scratch
+  // (about 64 * n doubles) per call and falls back to an unblocked loop
+  // with identical results when that fails; the inverses allocate one
+  // scratch of similar size. Results are the same bit for bit on every
+  // machine, whichever vector instructions are used.
 
   // Sweeps row k in place, or reverses the sweep when row k is already
-  // swept (bit k of swept set). A sweep is accepted only when the current
-  // pivot exceeds tol * origDiag[k] and no earlier swept row's residual
-  // would fall to tol * origDiag[j] or below. Toggles bit k on success.
-  // False (matrix and swept unchanged) when a check or a pivot test fails.
+  // swept (bit k of swept set); sweeping a row twice restores the matrix up
+  // to rounding. After a sweep with pivot d: a_kk = -1/d, a_ik = a_ik / d,
+  // a_ij = a_ij - a_ik a_jk / d. A sweep is accepted only when
+  // tol * origDiag[k] < a_kk (strictly) and, for every swept row j,
+  // (a_jj - a_jk^2 / a_kk) * tol * origDiag[j] > -1 (the earlier row's
+  // residual stays above tol * origDiag[j]). A reverse sweep makes no test.
+  // Toggles bit k on success. Returns false, matrix and swept unchanged,
+  // when a test fails, when k is out of range or origDiag or swept has
+  // fewer than n elements (always checked), or, with check, when tol <= 0
+  // or an origDiag element is negative.
   bool Sweep(int k, double tol, const std::vector<double>& origDiag,
              KXBitSet& swept, bool check);
 
-  // In-place Cholesky factor L (A = L L') of the lower triangle. A row whose
-  // residual pivot does not exceed tol * origDiag[i] is redundant: its
-  // diagonal and its column of L are 0 and its bit of nonRedundant is clear.
-  // Returns the number of redundant rows, or -1 (nothing changed) when the
-  // check fails (tol < 0 or a negative origDiag element).
+  // In-place Cholesky factor, row by row: s = a_ij - sum_{m<j} l_im l_jm;
+  // l_ij = s / l_jj (0 when l_jj == 0); row i is redundant (l_ii = 0, bit i
+  // clear) when s <= tol * origDiag[i] (or s is NaN), else l_ii = sqrt(s) and
+  // bit i of nonRedundant is set. nonRedundant is resized to n when shorter,
+  // and cleared. Returns the number of redundant rows, or -1 (matrix and
+  // nonRedundant unchanged) when origDiag has fewer than n elements or, with
+  // check, tol < 0 or an origDiag element is negative.
   int LTChol(const std::vector<double>& origDiag, double tol,
              KXBitSet& nonRedundant, bool check);
   // The same without recording the rows.
   int LTChol(const std::vector<double>& origDiag, double tol, bool check);
-  // The same with origDiag taken from the matrix's own diagonal (elements
-  // below tol replaced by 1.0). out is first set to the missing value.
+  // The same with origDiag taken from the matrix's own diagonal, each
+  // element below tol replaced by 1.0. out is first set to the missing
+  // value; after factorising it holds the smallest accepted pivot l_ii (it
+  // stays missing when no row is accepted). -1 when check and tol < 0.
   int LTChol(double tol, double& out, bool check);
 
-  // Determinant and/or inverse of the stored factor L. job's tens digit
-  // asks for the inverse, its units digit for the determinant, returned as
-  // det[0] * 10^det[1] with 1 <= |det[0]| < 10 or det[0] == 0.
+  // Determinant and/or inverse of the stored factor L. A nonzero tens digit
+  // of job asks for the inverse L^-1 (in place; rows and columns of zero
+  // pivots become 0), a nonzero units digit for the determinant of L L',
+  // the product of the squared l_ii, as det[0] * 10^det[1] with
+  // 1 <= |det[0]| < 10, or det[0] == det[1] == 0 when a pivot is 0. Returns
+  // the number of zero pivots; -1 (nothing done) when job < 0 or det is
+  // null while the determinant is asked for.
   int LTDetInverse(double* det, int job);
-  // Replaces the stored lower triangle M by M'M.
+  // Replaces the stored lower triangle M by M'M (applied to L^-1 this is the
+  // inverse of L L').
   void LTLTransL();
-  // Replaces the stored lower triangle M by M M'.
+  // Replaces the stored lower triangle M by M M' (rebuilds the matrix from
+  // its factor).
   void LTLLTrans();
-  // The inverse of the matrix whose factor is stored.
+  // LTDetInverse(det, 10) then LTLTransL(): the inverse of the matrix whose
+  // factor is stored; with redundant rows, the generalised inverse that is
+  // the inverse on the accepted rows and 0 on the others.
   void LTInverse();
 
-  // out becomes a copy of this matrix, factorised (checks on) and inverted.
-  // Returns the LTChol result; out is left as the copy when it is negative.
+  // out becomes a copy of this matrix, factorised by LTChol (check on) and
+  // inverted by LTInverse. Returns the LTChol result; when it is negative
+  // out is left as the copy.
   int CholInverse(const std::vector<double>& origDiag, double tol,
                   KXSymMatrix& out) const;
   // The same, recording the accepted rows.
   int CholInverse(const std::vector<double>& origDiag, double tol,
                   KXSymMatrix& out, KXBitSet& nonRedundant) const;
-  // The same, also returning the smallest diagonal element of the factor.
+  // The same, also returning the smallest diagonal element of the factor,
+  // zeros of redundant rows included (the missing value for an empty matrix
+  // or a refused factorisation).
   int CholInverse(const std::vector<double>& origDiag, double tol,
                   KXSymMatrix& out, double& minPivot) const;
 
-  // Determinant through a factorised copy, as det[0] * 10^det[1]. False for
-  // an empty matrix.
+  // Determinant of the matrix through a factorised copy (LTChol(tol, out,
+  // true) then LTDetInverse(det, 1)), as det[0] * 10^det[1]; 0 when a row
+  // is redundant. False for an empty matrix, a null det or tol < 0; the
+  // matrix is never changed.
   bool ComputeDeterminant(double tol, double* det) const;
-  // Row and column i set to 0 for every clear bit i. False when the set has
-  // fewer bits than the matrix has rows.
+  // Row and column i set to 0 for every clear bit i. False (nothing
+  // changed) when the set has fewer bits than the matrix has rows.
   bool ZeroOutRedundant(const KXBitSet& nonRedundant);
 
-  // Factorises in place and solves A x = b; a component whose pivot is 0 is
-  // set to 0. Returns the number of redundant rows, -1 when tol <= 0 or b
-  // has fewer than n elements.
+  // Factorises in place (LTChol with the matrix's own diagonal as origDiag,
+  // check on; x is used as its scratch) and solves L y = b, L' x = y; a
+  // component whose pivot is 0 is set to 0. Returns the number of redundant
+  // rows; -1 when tol <= 0 or b has fewer than n elements (matrix and x
+  // unchanged), or the negative LTChol result (matrix unchanged, x then
+  // holds the diagonal).
   int LTSolve(const std::vector<double>& b, double tol,
               std::vector<double>& x);
-  // The two triangular substitutions with a factor already stored.
+  // The two substitutions with a factor already stored; a component whose
+  // pivot is 0 is set to 0. x is resized to n. Returns the number of zero
+  // pivots; -1 (x unchanged) when b has fewer than n elements.
   int LTSubstitute(const std::vector<double>& b, std::vector<double>& x) const;
 
-  // Cholesky restricted to the leading nLead rows; idx receives the indices
-  // of the non-redundant ones. Returns the number of redundant rows or -1.
+  // Cholesky in place of the leading nLead x nLead block (all rows when
+  // nLead == 0), each row judged against its own diagonal: redundant when
+  // its residual pivot does not exceed tol times its diagonal. Rows beyond
+  // nLead are untouched. idx receives the indices of the accepted rows in
+  // increasing order. Returns the number of redundant rows; -1 (nothing
+  // changed) when nLead is outside 0..n, tol < 0 or a leading diagonal
+  // element is negative.
   int CholIndNonRed(int nLead, double tol, std::vector<int>& idx);
-  // Solutions of possibly singular systems.
+  // Solves A x = b for a symmetric matrix of any sign pattern by Gaussian
+  // elimination with row pivoting on a copy (the matrix is not changed).
+  // False (x unchanged) when tol <= 0, b has fewer than n elements, or a
+  // pivot's magnitude does not exceed tol times the largest magnitude of
+  // the matrix (numerically singular).
   bool SolveIndefinite(double tol, const std::vector<double>& b,
                        std::vector<double>& x);
+  // Solves the subsystem on the rows whose bit is set (for example the
+  // accepted rows of LTChol); the other components of x are 0. The matrix
+  // is not changed. False (x unchanged) when the set has fewer than n bits,
+  // b fewer than n elements, or the subsystem is exactly singular.
   bool SolveIndefinite(const KXBitSet& nonRedundant,
                        const std::vector<double>& b, std::vector<double>& x);
-  // Solution by generalised inverse.
+  // Solution by generalised inverse x = G b: Gauss-Jordan pivots on the
+  // diagonal of a copy, in row order, each taken when its magnitude exceeds
+  // tol times the magnitude of the row's initial diagonal (either sign);
+  // G is the inverse on the pivoted rows and 0 elsewhere, so x solves every
+  // consistent system whose dependent rows are left unpivoted. (A residual
+  // block with a zero diagonal, as in [[0, 1], [1, 0]], gets no pivot: use
+  // SolveIndefinite(tol, ...) for such nonsingular matrices.) The matrix is
+  // not changed. False (x unchanged) when tol <= 0 or b is too short.
   bool SolveIndefiniteGI(double tol, const std::vector<double>& b,
                          std::vector<double>& x);
+  // Makes the matrix positive definite by adding a ridge to its diagonal
+  // when needed. Each row is judged by LTChol against the magnitude of its
+  // own diagonal (the largest diagonal magnitude when its own is 0) at tol.
+  // When every row passes, nothing changes: changed = false, shift = 0,
+  // returns 0. Otherwise the ridge starts at tol times the largest diagonal
+  // magnitude and doubles until the shifted matrix passes; it is then
+  // added (changed = true, shift = the ridge) and the number of rows that
+  // failed before is returned. -1 (nothing changed) when tol <= 0 or no
+  // ridge up to the overflow limit succeeds.
   int TransformToPositiveDefinite(double tol, bool& changed, double& shift);
+  // 1 when row `row` is a linear combination of the rows set in mask (its
+  // residual pivot after them, by Cholesky of that submatrix, does not
+  // exceed tol * origDiag[row]), 0 when not, -1 for a row out of range,
+  // an origDiag shorter than n, tol < 0 or a negative origDiag element
+  // among the rows used. The matrix is not changed; bit `row` itself is
+  // ignored.
   int CheckMDependent(int row, const std::vector<double>& origDiag,
                       const KXBitSet& mask, double tol);
+  // The regression coefficients of a swept cross-product matrix whose last
+  // row is the response: coeffs (resized to n-1) gets a_(n-1, i) for every
+  // swept row i, 0 for the others. False (coeffs unchanged) when n < 2,
+  // swept has fewer than n-1 bits, or the response row is itself swept.
   bool GetRegCoeffs(std::vector<double>& coeffs,
                     const KXBitSet& swept) const;
+  // True when the symmetric matrix G given by its packed triangle g is a
+  // reflexive generalised inverse of this matrix S: S G S = S and G S G = G,
+  // each to tol relative to the largest magnitude of S resp. G. False when
+  // g does not hold exactly n(n+1)/2 elements or tol < 0.
   bool CheckGMG(const std::vector<double>& g, double tol) const;
 
   // ======================================================================

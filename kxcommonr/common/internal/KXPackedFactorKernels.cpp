@@ -1,0 +1,512 @@
+// kxcommonr/common/internal/KXPackedFactorKernels.cpp
+//
+// Packed Cholesky, sweep, triangular inverse and triangular products.
+//
+// How the fast kernels stay bit-identical to the plain loops: every output
+// element receives the same sequence of multiplications and additions
+// (subtractions), in the same order, as in the plain loop; only independent
+// outputs are visited in another order, several at a time in vector
+// registers. No operation re-associates a sum, and the build forbids
+// contracting a*b+c into one fused instruction, so the lane width of the
+// instruction set picked at run time (AVX-512, AVX2 or the baseline SSE2)
+// cannot change a result.
+#include "kxcommonr/common/internal/KXPackedFactorKernels.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <new>
+#include <vector>
+
+#if defined(__GNUC__) && (defined(__x86_64__) || defined(__i386__)) && \
+    !defined(KXCOMMONR_NO_DISPATCH)
+#define KX_FACTOR_DISPATCH 1
+#define KX_TARGET(isa) __attribute__((target(isa)))
+#define KX_INLINE inline __attribute__((always_inline))
+#else
+#define KX_FACTOR_DISPATCH 0
+#define KX_TARGET(isa)
+#define KX_INLINE inline
+#endif
+
+namespace KXCommon {
+namespace internal {
+
+namespace {
+
+// ---------------------------------------------------------------------------
+// Vector types per instruction set. V is the register type (a GCC/clang
+// vector of kLanes doubles, or a plain double where vectors are not
+// available); kRows x kVecs registers form one register tile of the
+// multiply-subtract kernels.
+// ---------------------------------------------------------------------------
+#if KX_FACTOR_DISPATCH
+typedef double Vec8 __attribute__((vector_size(64)));
+typedef double Vec4 __attribute__((vector_size(32)));
+typedef double Vec2 __attribute__((vector_size(16)));
+
+struct IsaAvx512 {
+  typedef Vec8 V;
+  static constexpr int kLanes = 8;
+  static constexpr int kRows = 8;
+  static constexpr int kVecs = 2;
+};
+struct IsaAvx2 {
+  typedef Vec4 V;
+  static constexpr int kLanes = 4;
+  static constexpr int kRows = 6;
+  static constexpr int kVecs = 2;
+};
+struct IsaBase {
+  typedef Vec2 V;
+  static constexpr int kLanes = 2;
+  static constexpr int kRows = 4;
+  static constexpr int kVecs = 2;
+};
+#else
+struct IsaBase {
+  typedef double V;
+  static constexpr int kLanes = 1;
+  static constexpr int kRows = 4;
+  static constexpr int kVecs = 4;
+};
+#endif
+
+// Unaligned load and store. (Vectors pass by reference only: passing or
+// returning them by value would tie the ABI to the instruction set.)
+template <class V>
+KX_INLINE void LoadU(V& v, const double* p) {
+  std::memcpy(&v, p, sizeof(V));
+}
+template <class V>
+KX_INLINE void StoreU(double* p, const V& v) {
+  std::memcpy(p, &v, sizeof(V));
+}
+
+// y[j] = y[j] + c * x[j], j < count (each element one multiply, one add).
+template <class Isa>
+KX_INLINE void Axpy(double* y, const double* x, double c, std::int64_t count) {
+  typedef typename Isa::V V;
+  constexpr int L = Isa::kLanes;
+  std::int64_t j = 0;
+  for (; j + 2 * L <= count; j += 2 * L) {
+    V y0, y1, x0, x1;
+    LoadU(y0, y + j);
+    LoadU(y1, y + j + L);
+    LoadU(x0, x + j);
+    LoadU(x1, x + j + L);
+    y0 = y0 + c * x0;
+    y1 = y1 + c * x1;
+    StoreU<V>(y + j, y0);
+    StoreU<V>(y + j + L, y1);
+  }
+  for (; j < count; ++j) y[j] = y[j] + c * x[j];
+}
+
+// y[j] = y[j] - c * x[j], j < count.
+template <class Isa>
+KX_INLINE void Axmy(double* y, const double* x, double c, std::int64_t count) {
+  typedef typename Isa::V V;
+  constexpr int L = Isa::kLanes;
+  std::int64_t j = 0;
+  for (; j + 2 * L <= count; j += 2 * L) {
+    V y0, y1, x0, x1;
+    LoadU(y0, y + j);
+    LoadU(y1, y + j + L);
+    LoadU(x0, x + j);
+    LoadU(x1, x + j + L);
+    y0 = y0 - x0 * c;
+    y1 = y1 - x1 * c;
+    StoreU<V>(y + j, y0);
+    StoreU<V>(y + j + L, y1);
+  }
+  for (; j < count; ++j) y[j] = y[j] - x[j] * c;
+}
+
+// The register tile: for t = 0 .. count-1, with a_t = a + (offset after t
+// strides), b_t likewise,
+//   c[r][q] = c[r][q] -/+ a_t[r] * b_t[q],  r < R, q < kVecs * kLanes.
+// The strides grow by aGrow / bGrow after each step (0 for a fixed stride,
+// 1 for walking down a packed column, whose stride is the row length).
+template <class Isa, int R, bool kSubtract>
+KX_INLINE void TileKernel(double* const* c, const double* a, std::int64_t aStride,
+                          std::int64_t aGrow, const double* b, std::int64_t bStride,
+                          std::int64_t bGrow, std::int64_t count) {
+  typedef typename Isa::V V;
+  constexpr int L = Isa::kLanes;
+  constexpr int NV = Isa::kVecs;
+  V acc[R][NV];
+  for (int r = 0; r < R; ++r)
+    for (int v = 0; v < NV; ++v) LoadU(acc[r][v], c[r] + v * L);
+  for (std::int64_t t = 0; t < count; ++t) {
+    V bv[NV];
+    for (int v = 0; v < NV; ++v) LoadU(bv[v], b + v * L);
+    for (int r = 0; r < R; ++r) {
+      const double ar = a[r];
+      for (int v = 0; v < NV; ++v) {
+        if (kSubtract)
+          acc[r][v] = acc[r][v] - ar * bv[v];
+        else
+          acc[r][v] = acc[r][v] + ar * bv[v];
+      }
+    }
+    a += aStride;
+    aStride += aGrow;
+    b += bStride;
+    bStride += bGrow;
+  }
+  for (int r = 0; r < R; ++r)
+    for (int v = 0; v < NV; ++v) StoreU<V>(c[r] + v * L, acc[r][v]);
+}
+
+// ---------------------------------------------------------------------------
+// Cholesky
+// ---------------------------------------------------------------------------
+
+// Decides the pivot of row i from its residual s and returns l_ii.
+inline double AcceptPivot(double s, double threshold, unsigned char* accepted,
+                          int i, int& redundant) {
+  if (s > threshold) {
+    accepted[i] = 1;
+    return std::sqrt(s);
+  }
+  accepted[i] = 0;
+  ++redundant;
+  return 0.0;
+}
+
+constexpr int kDefaultPanel = 64;
+
+// Blocked right-looking factorisation. The panel (columns p0..p1-1 of rows
+// p0..n-1) is copied column-major into scratch, factored there column by
+// column (each column subtracts its contribution from the later panel
+// columns, so every element still subtracts its products in column order),
+// written back, and subtracted from the trailing triangle with the register
+// tile. scratch holds width * n + kRows * width doubles.
+template <class Isa>
+KX_INLINE int CholeskyBlocked(double* a, int n, const double* origDiag, double tol,
+                              unsigned char* accepted, int width, double* scratch) {
+  constexpr int R = Isa::kRows;
+  constexpr int NR = Isa::kVecs * Isa::kLanes;
+  int redundant = 0;
+  double* panel = scratch;
+  double* packedA = scratch + static_cast<std::size_t>(width) * n;
+  for (int p0 = 0; p0 < n; p0 += width) {
+    const int p1 = std::min(n, p0 + width);
+    const int w = p1 - p0;
+    const std::int64_t ld = n - p0;
+    // 1. Copy the panel: panel[m * ld + (i - p0)] = a(i, p0 + m).
+    for (std::int64_t i = p0; i < n; ++i) {
+      const double* row = a + PackedAt(i, p0);
+      const std::int64_t mEnd = std::min<std::int64_t>(w, i - p0 + 1);
+      for (std::int64_t m = 0; m < mEnd; ++m) panel[m * ld + (i - p0)] = row[m];
+    }
+    // 2. Factor the panel column by column.
+    for (int m = 0; m < w; ++m) {
+      double* col = panel + static_cast<std::int64_t>(m) * ld;
+      const int i = p0 + m;
+      const double pivot =
+          AcceptPivot(col[m], tol * origDiag[i], accepted, i, redundant);
+      col[m] = pivot;
+      if (pivot != 0.0) {
+        for (std::int64_t r = m + 1; r < ld; ++r) col[r] = col[r] / pivot;
+      } else {
+        for (std::int64_t r = m + 1; r < ld; ++r) col[r] = 0.0;
+      }
+      for (int q = m + 1; q < w; ++q) {
+        double* target = panel + static_cast<std::int64_t>(q) * ld;
+        Axmy<Isa>(target + q, col + q, col[q], ld - q);
+      }
+    }
+    // 3. Write the panel back.
+    for (std::int64_t i = p0; i < n; ++i) {
+      double* row = a + PackedAt(i, p0);
+      const std::int64_t mEnd = std::min<std::int64_t>(w, i - p0 + 1);
+      for (std::int64_t m = 0; m < mEnd; ++m) row[m] = panel[m * ld + (i - p0)];
+    }
+    // 4. Trailing update: a(i, j) -= sum over the panel, rows i >= p1,
+    //    columns p1 <= j <= i, one product at a time in column order.
+    int i0 = p1;
+    for (; i0 < n; i0 += R) {
+      const int rows = std::min(R, n - i0);
+      // A operand: packedA[m * R + r] = l(i0 + r, p0 + m).
+      for (int r = 0; r < rows; ++r) {
+        const double* row = a + PackedAt(i0 + r, p0);
+        for (int m = 0; m < w; ++m) packedA[m * R + r] = row[m];
+      }
+      double* crow[R];
+      // Full tiles: columns j0 .. j0+NR-1 with j0+NR-1 <= i0.
+      int j0 = p1;
+      if (rows == R) {
+        for (; j0 + NR - 1 <= i0; j0 += NR) {
+          for (int r = 0; r < R; ++r) crow[r] = a + PackedAt(i0 + r, j0);
+          TileKernel<Isa, R, true>(crow, packedA, R, 0, panel + (j0 - p0), ld, 0, w);
+        }
+      } else {
+        for (; j0 + NR - 1 <= i0; j0 += NR) {
+          for (int r = 0; r < rows; ++r) {
+            crow[0] = a + PackedAt(i0 + r, j0);
+            TileKernel<Isa, 1, true>(crow, packedA + r, R, 0, panel + (j0 - p0), ld, 0,
+                                     w);
+          }
+        }
+      }
+      // Remaining columns j0 .. i of each row.
+      for (int r = 0; r < rows; ++r) {
+        const int i = i0 + r;
+        double* c = a + PackedAt(i, j0);
+        const std::int64_t count = i - j0 + 1;
+        for (int m = 0; m < w; ++m)
+          Axmy<Isa>(c, panel + static_cast<std::int64_t>(m) * ld + (j0 - p0),
+                    packedA[m * R + r], count);
+      }
+    }
+  }
+  return redundant;
+}
+
+#if KX_FACTOR_DISPATCH
+KX_TARGET("avx512f")
+int CholeskyAvx512(double* a, int n, const double* d, double tol, unsigned char* acc,
+                   int width, double* s) {
+  return CholeskyBlocked<IsaAvx512>(a, n, d, tol, acc, width, s);
+}
+KX_TARGET("avx2")
+int CholeskyAvx2(double* a, int n, const double* d, double tol, unsigned char* acc,
+                 int width, double* s) {
+  return CholeskyBlocked<IsaAvx2>(a, n, d, tol, acc, width, s);
+}
+#endif
+int CholeskyBase(double* a, int n, const double* d, double tol, unsigned char* acc,
+                 int width, double* s) {
+  return CholeskyBlocked<IsaBase>(a, n, d, tol, acc, width, s);
+}
+
+// The instruction set used by the fast kernels, decided once.
+enum class Isa { kBase, kAvx2, kAvx512 };
+Isa DetectIsa() {
+#if KX_FACTOR_DISPATCH
+  __builtin_cpu_init();
+  if (__builtin_cpu_supports("avx512f")) return Isa::kAvx512;
+  if (__builtin_cpu_supports("avx2")) return Isa::kAvx2;
+#endif
+  return Isa::kBase;
+}
+Isa MachineIsa() {
+  static const Isa isa = DetectIsa();
+  return isa;
+}
+int gLevelCap = 2;
+Isa ActiveIsa() {
+  const Isa machine = MachineIsa();
+  return static_cast<int>(machine) > gLevelCap ? static_cast<Isa>(gLevelCap) : machine;
+}
+
+// ---------------------------------------------------------------------------
+// Sweep
+// ---------------------------------------------------------------------------
+
+constexpr int kSweepChunk = 512;
+
+template <class Isa>
+KX_INLINE void SweepRowChunked(double* a, int n, int k) {
+  const std::size_t rowK = PackedAt(k, 0);
+  const double d = a[rowK + k];
+  const double absD = std::fabs(d);
+  const bool negate = -1.0 / d < 0.0;
+  double column[kSweepChunk];  // rescaled a_jk for the columns of one chunk
+  for (int j0 = 0; j0 < n; j0 += kSweepChunk) {
+    const int j1 = std::min(n, j0 + kSweepChunk);
+    for (int j = j0; j < j1; ++j) {
+      const double old = j < k ? a[rowK + j] : (j > k ? a[PackedAt(j, k)] : 0.0);
+      column[j - j0] = old / absD;
+    }
+    for (int i = j0; i < n; ++i) {
+      if (i == k) continue;
+      const double old = i < k ? a[rowK + i] : a[PackedAt(i, k)];
+      const double c = negate ? -old : old;
+      double* row = a + PackedAt(i, 0);
+      const int jEnd = std::min(j1, i + 1);
+      if (k >= j0 && k < jEnd) {
+        Axpy<Isa>(row + j0, column, c, k - j0);
+        Axpy<Isa>(row + k + 1, column + (k + 1 - j0), c, jEnd - k - 1);
+      } else {
+        Axpy<Isa>(row + j0, column, c, jEnd - j0);
+      }
+    }
+  }
+  for (int j = 0; j < k; ++j) a[rowK + j] = a[rowK + j] / absD;
+  for (int i = k + 1; i < n; ++i) {
+    double& v = a[PackedAt(i, k)];
+    v = v / absD;
+  }
+  a[rowK + k] = -1.0 / d;
+}
+
+#if KX_FACTOR_DISPATCH
+KX_TARGET("avx512f") void SweepAvx512(double* a, int n, int k) {
+  SweepRowChunked<IsaAvx512>(a, n, k);
+}
+KX_TARGET("avx2") void SweepAvx2(double* a, int n, int k) {
+  SweepRowChunked<IsaAvx2>(a, n, k);
+}
+#endif
+void SweepBase(double* a, int n, int k) { SweepRowChunked<IsaBase>(a, n, k); }
+
+}  // namespace
+
+// ---------------------------------------------------------------------------
+// Public entry points
+// ---------------------------------------------------------------------------
+
+int SetKernelLevel(int level) {
+  gLevelCap = level < 0 || level > 2 ? 2 : level;
+  return KernelLevel();
+}
+
+int KernelLevel() { return static_cast<int>(ActiveIsa()); }
+
+int PackedCholeskyPlain(double* a, int n, const double* origDiag, double tol,
+                        unsigned char* accepted) {
+  int redundant = 0;
+  for (std::int64_t i = 0; i < n; ++i) {
+    double* rowI = a + PackedAt(i, 0);
+    for (std::int64_t j = 0; j <= i; ++j) {
+      const double* rowJ = a + PackedAt(j, 0);
+      double s = rowI[j];
+      for (std::int64_t m = 0; m < j; ++m) s = s - rowI[m] * rowJ[m];
+      if (j < i) {
+        rowI[j] = rowJ[j] != 0.0 ? s / rowJ[j] : 0.0;
+      } else {
+        rowI[i] = AcceptPivot(s, tol * origDiag[i], accepted, static_cast<int>(i),
+                              redundant);
+      }
+    }
+  }
+  return redundant;
+}
+
+int PackedCholeskyWithPanel(double* a, int n, const double* origDiag, double tol,
+                            unsigned char* accepted, int width) {
+  if (n <= 0) return 0;
+  if (width < 1) width = kDefaultPanel;
+  width = std::min(width, n);
+  std::vector<double> scratch;
+  try {
+    scratch.resize(static_cast<std::size_t>(width) * (static_cast<std::size_t>(n) + 16));
+  } catch (const std::bad_alloc&) {
+    return PackedCholeskyPlain(a, n, origDiag, tol, accepted);
+  }
+  switch (ActiveIsa()) {
+#if KX_FACTOR_DISPATCH
+    case Isa::kAvx512:
+      return CholeskyAvx512(a, n, origDiag, tol, accepted, width, scratch.data());
+    case Isa::kAvx2:
+      return CholeskyAvx2(a, n, origDiag, tol, accepted, width, scratch.data());
+#endif
+    default:
+      return CholeskyBase(a, n, origDiag, tol, accepted, width, scratch.data());
+  }
+}
+
+int PackedCholesky(double* a, int n, const double* origDiag, double tol,
+                   unsigned char* accepted) {
+  if (n < 32) return PackedCholeskyPlain(a, n, origDiag, tol, accepted);
+  return PackedCholeskyWithPanel(a, n, origDiag, tol, accepted, kDefaultPanel);
+}
+
+void PackedSweepRowPlain(double* a, int n, int k) {
+  const std::size_t rowK = PackedAt(k, 0);
+  const double d = a[rowK + k];
+  const double absD = std::fabs(d);
+  const bool negate = -1.0 / d < 0.0;
+  // a_jk for j == k is the diagonal: element (i, k) reads as a_ik below.
+  auto at = [&](std::int64_t i, std::int64_t j) -> double& {
+    return i >= j ? a[PackedAt(i, j)] : a[PackedAt(j, i)];
+  };
+  for (std::int64_t i = 0; i < n; ++i) {
+    if (i == k) {
+      a[rowK + k] = -1.0 / d;
+      continue;
+    }
+    double& aik = at(i, k);
+    const double c = negate ? -aik : aik;
+    aik = aik / absD;
+    double* row = a + PackedAt(i, 0);
+    for (std::int64_t j = 0; j <= i; ++j) {
+      if (j == k) continue;
+      row[j] = row[j] + c * at(j, k);
+    }
+  }
+}
+
+void PackedSweepRow(double* a, int n, int k) {
+  switch (ActiveIsa()) {
+#if KX_FACTOR_DISPATCH
+    case Isa::kAvx512:
+      SweepAvx512(a, n, k);
+      return;
+    case Isa::kAvx2:
+      SweepAvx2(a, n, k);
+      return;
+#endif
+    default:
+      SweepBase(a, n, k);
+  }
+}
+
+int PackedLowerInversePlain(double* a, int n) {
+  int zeroRows = 0;
+  for (std::int64_t i = 0; i < n; ++i) {
+    double* rowI = a + PackedAt(i, 0);
+    const double lii = rowI[i];
+    if (lii == 0.0) {
+      for (std::int64_t j = 0; j <= i; ++j) rowI[j] = 0.0;
+      ++zeroRows;
+      continue;
+    }
+    for (std::int64_t j = 0; j < i; ++j) {
+      double s = 0.0;
+      for (std::int64_t m = j; m < i; ++m) s = s + rowI[m] * a[PackedAt(m, j)];
+      rowI[j] = -s / lii;
+    }
+    rowI[i] = 1.0 / lii;
+  }
+  return zeroRows;
+}
+
+int PackedLowerInverse(double* a, int n) {
+  // TODO(fast path) replaced below once the blocked form lands.
+  return PackedLowerInversePlain(a, n);
+}
+
+void PackedLowerTransLowerPlain(double* a, int n) {
+  for (std::int64_t i = 0; i < n; ++i) {
+    for (std::int64_t j = 0; j <= i; ++j) {
+      double s = 0.0;
+      for (std::int64_t m = i; m < n; ++m)
+        s = s + a[PackedAt(m, i)] * a[PackedAt(m, j)];
+      a[PackedAt(i, j)] = s;
+    }
+  }
+}
+
+void PackedLowerTransLower(double* a, int n) { PackedLowerTransLowerPlain(a, n); }
+
+void PackedLowerLowerTrans(double* a, int n) {
+  // Rows from the last: row i of M M' needs rows 0..i of M, and within the
+  // row columns from the diagonal down, so nothing is read after it is
+  // overwritten.
+  for (std::int64_t i = n - 1; i >= 0; --i) {
+    double* rowI = a + PackedAt(i, 0);
+    for (std::int64_t j = i; j >= 0; --j) {
+      const double* rowJ = a + PackedAt(j, 0);
+      double s = 0.0;
+      for (std::int64_t m = 0; m <= j; ++m) s = s + rowI[m] * rowJ[m];
+      rowI[j] = s;
+    }
+  }
+}
+
+}  // namespace internal
+}  // namespace KXCommon
