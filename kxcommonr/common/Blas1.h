@@ -28,7 +28,7 @@ namespace KXCommon {
 
 class KXCOMMONR_API Blas1 {
  public:
-  // |x|: x when x >= 0, else -x (so -0.0 gives 0.0 and NaN gives NaN).
+  // |x| as x when x >= 0, else -x (so -0.0 stays -0.0 and NaN stays NaN).
   static double D_Abs(double x);
   // a when a > b, else b.
   static double D_Max(double a, double b);

@@ -1,0 +1,362 @@
+#include "kxcommonr/common/Blas1.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <iostream>
+#include <limits>
+#include <random>
+#include <vector>
+
+namespace {
+
+using KXCommon::Blas1;
+
+const double kNaN = std::numeric_limits<double>::quiet_NaN();
+const double kInf = std::numeric_limits<double>::infinity();
+
+// Bitwise equality, so that NaNs and signed zeros count.
+::testing::AssertionResult SameBits(double a, double b) {
+  std::uint64_t ua, ub;
+  std::memcpy(&ua, &a, sizeof a);
+  std::memcpy(&ub, &b, sizeof b);
+  if (ua == ub) return ::testing::AssertionSuccess();
+  return ::testing::AssertionFailure()
+         << a << " and " << b << " differ in their bits";
+}
+
+std::vector<double> RandomVector(std::size_t n, std::mt19937_64& rng) {
+  // Wide exponent range and mixed signs, so that the order of additions
+  // shows in the last bits.
+  std::uniform_real_distribution<double> mantissa(-1.0, 1.0);
+  std::uniform_int_distribution<int> exponent(-20, 20);
+  std::vector<double> v(n);
+  for (double& x : v) x = std::ldexp(mantissa(rng), exponent(rng));
+  return v;
+}
+
+// Memory index of element k under the reference stride rule.
+std::ptrdiff_t At(int n, int inc, int k) {
+  return inc >= 0 ? static_cast<std::ptrdiff_t>(k) * inc
+                  : static_cast<std::ptrdiff_t>(1 - n + k) * inc;
+}
+
+// The classic scaled Euclidean norm, element by element.
+double ScaledNormReference(int n, const double* x, int inc) {
+  double scale = 0.0;
+  double ssq = 1.0;
+  for (int k = 0; k < n; ++k) {
+    const double value = x[static_cast<std::ptrdiff_t>(k) * inc];
+    if (value != 0.0) {
+      const double a = std::fabs(value);
+      if (scale < a) {
+        ssq = 1.0 + ssq * (scale / a) * (scale / a);
+        scale = a;
+      } else {
+        ssq += (a / scale) * (a / scale);
+      }
+    }
+  }
+  return scale * std::sqrt(ssq);
+}
+
+const int kSizes[] = {1, 2, 3, 4, 5, 6, 7, 8, 9, 15, 16, 17, 31, 32, 33,
+                      63, 64, 65, 100, 127, 129, 1000, 1023, 1025, 4099};
+
+TEST(Blas1Test, ScalarHelpers) {
+  EXPECT_EQ(Blas1::D_Abs(-2.5), 2.5);
+  EXPECT_EQ(Blas1::D_Abs(3.0), 3.0);
+  EXPECT_TRUE(std::signbit(Blas1::D_Abs(-0.0)));  // x >= 0 returns x
+  EXPECT_EQ(Blas1::D_Max(1, 2), 2);
+  EXPECT_EQ(Blas1::D_Max(2, 1), 2);
+  EXPECT_TRUE(std::isnan(Blas1::D_Max(1, kNaN)));
+  EXPECT_EQ(Blas1::D_Max(kNaN, 1), 1);
+  EXPECT_EQ(Blas1::D_Sign(0.0), 1.0);
+  EXPECT_EQ(Blas1::D_Sign(-0.0), 1.0);
+  EXPECT_EQ(Blas1::D_Sign(-1e-300), -1.0);
+  EXPECT_EQ(Blas1::D_Sign(kNaN), 1.0);
+  EXPECT_EQ(Blas1::I_Max(-3, 2), 2);
+  EXPECT_EQ(Blas1::I_Min(-3, 2), -3);
+}
+
+TEST(Blas1Test, LSameIgnoresCaseOfLettersOnly) {
+  EXPECT_TRUE(Blas1::LSame('a', 'A'));
+  EXPECT_TRUE(Blas1::LSame('Z', 'z'));
+  EXPECT_TRUE(Blas1::LSame('q', 'q'));
+  EXPECT_FALSE(Blas1::LSame('a', 'B'));
+  EXPECT_TRUE(Blas1::LSame('1', '1'));
+  EXPECT_FALSE(Blas1::LSame('@', '`'));  // 0x40 and 0x60 are not letters
+  EXPECT_FALSE(Blas1::LSame('[', '{'));
+}
+
+TEST(Blas1Test, SumsAreBitIdenticalToAPlainIndexOrderLoop) {
+  std::mt19937_64 rng(1);
+  for (int n : kSizes) {
+    for (int incx : {1, 2, -1, -3}) {
+      for (int incy : {1, 3, -2}) {
+        const int span = n * 3;
+        const std::vector<double> x = RandomVector(static_cast<std::size_t>(span), rng);
+        const std::vector<double> y = RandomVector(static_cast<std::size_t>(span), rng);
+        double dot = 0.0;
+        for (int k = 0; k < n; ++k) dot += x[At(n, incx, k)] * y[At(n, incy, k)];
+        EXPECT_TRUE(SameBits(Blas1::DDot(n, x.data(), incx, y.data(), incy), dot))
+            << "n=" << n << " incx=" << incx << " incy=" << incy;
+      }
+      if (incx > 0) {
+        const std::vector<double> x =
+            RandomVector(static_cast<std::size_t>(n * incx), rng);
+        double asum = 0.0;
+        for (int k = 0; k < n; ++k) asum += std::fabs(x[At(n, incx, k)]);
+        EXPECT_TRUE(SameBits(Blas1::DASum(n, x.data(), incx), asum)) << n;
+      }
+    }
+  }
+}
+
+TEST(Blas1Test, SumsOfNothing) {
+  double x[2] = {1, 2};
+  EXPECT_EQ(Blas1::DDot(0, x, 1, x, 1), 0.0);
+  EXPECT_EQ(Blas1::DDot(-1, x, 1, x, 1), 0.0);
+  EXPECT_EQ(Blas1::DASum(0, x, 1), 0.0);
+  EXPECT_EQ(Blas1::DNrm2(0, x, 1), 0.0);
+  EXPECT_EQ(Blas1::DNrm2(2, x, 0), 0.0);
+  EXPECT_EQ(Blas1::DNrm2(2, x, -1), 0.0);
+  EXPECT_EQ(Blas1::IDAMax(0, x, 1), 0);
+  EXPECT_EQ(Blas1::IDAMax(2, x, 0), 0);
+  EXPECT_EQ(Blas1::IDAMax(1, x, 1), 1);
+  // A zero stride reads the first element n times.
+  EXPECT_EQ(Blas1::DASum(3, x, 0), 3.0);
+  const double z[3] = {1, 2, 3};
+  EXPECT_EQ(Blas1::DDot(3, z, 0, z, 1), 6.0);
+}
+
+TEST(Blas1Test, NormKeepsTheScaledAlgorithmBitForBit) {
+  std::mt19937_64 rng(2);
+  for (int n : kSizes) {
+    for (int inc : {1, 2}) {
+      std::vector<double> x = RandomVector(static_cast<std::size_t>(n * inc), rng);
+      // Zeros, and a growing magnitude late in the vector, exercise the
+      // skipped elements and the rescaling.
+      for (std::size_t k = 0; k < x.size(); k += 5) x[k] = 0.0;
+      if (n > 40) x[static_cast<std::size_t>((n - 3) * inc)] = 1e7;
+      const double expected = ScaledNormReference(n, x.data(), inc);
+      const double got = Blas1::DNrm2(n, x.data(), inc);
+      if (n == 1) {
+        EXPECT_EQ(got, std::fabs(x[0]));
+      } else {
+        EXPECT_TRUE(SameBits(got, expected)) << "n=" << n << " inc=" << inc;
+      }
+      // And it is the Euclidean norm, to rounding.
+      long double sumSquares = 0;
+      for (int k = 0; k < n; ++k) {
+        const long double value = x[static_cast<std::size_t>(k * inc)];
+        sumSquares += value * value;
+      }
+      EXPECT_NEAR(got, static_cast<double>(std::sqrt(sumSquares)),
+                  1e-14 * static_cast<double>(std::sqrt(sumSquares)));
+    }
+  }
+}
+
+TEST(Blas1Test, NormNeitherOverflowsNorUnderflows) {
+  const double big[2] = {3e200, 4e200};
+  EXPECT_DOUBLE_EQ(Blas1::DNrm2(2, big, 1), 5e200);
+  const double small[2] = {3e-200, -4e-200};
+  EXPECT_DOUBLE_EQ(Blas1::DNrm2(2, small, 1), 5e-200);
+  const double zeros[2] = {0, 0};
+  EXPECT_EQ(Blas1::DNrm2(2, zeros, 1), 0.0);
+  const double single[1] = {-7};
+  EXPECT_EQ(Blas1::DNrm2(1, single, 1), 7.0);
+}
+
+TEST(Blas1Test, NormPropagatesNaNAndInfinityLikeTheSequentialAlgorithm) {
+  for (int n : {3, 70, 300}) {
+    for (int where : {0, 1, n - 1}) {
+      for (double special : {kNaN, kInf, -kInf}) {
+        std::vector<double> x(static_cast<std::size_t>(n), 1.5);
+        x[static_cast<std::size_t>(where)] = special;
+        EXPECT_TRUE(SameBits(Blas1::DNrm2(n, x.data(), 1),
+                             ScaledNormReference(n, x.data(), 1)))
+            << "n=" << n << " at " << where << " value " << special;
+      }
+    }
+  }
+}
+
+TEST(Blas1Test, ElementwiseKernelsMatchPlainLoops) {
+  std::mt19937_64 rng(3);
+  const double a = 0.7313;
+  const double c = 0.6;
+  const double s = -0.8;
+  for (int n : kSizes) {
+    for (int incx : {1, 2, -1}) {
+      for (int incy : {1, -3}) {
+        const std::size_t span = static_cast<std::size_t>(n * 3);
+        const std::vector<double> x0 = RandomVector(span, rng);
+        const std::vector<double> y0 = RandomVector(span, rng);
+
+        std::vector<double> x = x0, y = y0, ex = x0, ey = y0;
+        Blas1::Daxpy(n, a, x.data(), incx, y.data(), incy);
+        for (int k = 0; k < n; ++k) ey[At(n, incy, k)] += a * ex[At(n, incx, k)];
+        EXPECT_EQ(y, ey) << "Daxpy n=" << n;
+
+        x = x0; y = y0; ey = y0;
+        Blas1::DCopy(n, x.data(), incx, y.data(), incy);
+        for (int k = 0; k < n; ++k) ey[At(n, incy, k)] = x0[At(n, incx, k)];
+        EXPECT_EQ(y, ey) << "DCopy n=" << n;
+
+        x = x0; y = y0; ex = x0; ey = y0;
+        Blas1::DSwap(n, x.data(), incx, y.data(), incy);
+        for (int k = 0; k < n; ++k) {
+          ex[At(n, incx, k)] = y0[At(n, incy, k)];
+          ey[At(n, incy, k)] = x0[At(n, incx, k)];
+        }
+        EXPECT_EQ(x, ex) << "DSwap n=" << n;
+        EXPECT_EQ(y, ey) << "DSwap n=" << n;
+
+        x = x0; y = y0; ex = x0; ey = y0;
+        Blas1::DRot(n, x.data(), incx, y.data(), incy, c, s);
+        for (int k = 0; k < n; ++k) {
+          const double xk = x0[At(n, incx, k)];
+          const double yk = y0[At(n, incy, k)];
+          ex[At(n, incx, k)] = c * xk + s * yk;
+          ey[At(n, incy, k)] = c * yk - s * xk;
+        }
+        EXPECT_EQ(x, ex) << "DRot n=" << n;
+        EXPECT_EQ(y, ey) << "DRot n=" << n;
+      }
+      if (incx > 0) {
+        std::vector<double> x = RandomVector(static_cast<std::size_t>(n * incx), rng);
+        std::vector<double> ex = x;
+        Blas1::DScal(n, a, x.data(), incx);
+        for (int k = 0; k < n; ++k) ex[static_cast<std::size_t>(k * incx)] *= a;
+        EXPECT_EQ(x, ex) << "DScal n=" << n;
+      }
+    }
+  }
+}
+
+TEST(Blas1Test, ElementwiseKernelsRefuseQuietly) {
+  std::vector<double> x = {1, 2, 3};
+  std::vector<double> y = {4, 5, 6};
+  const std::vector<double> x0 = x, y0 = y;
+  Blas1::Daxpy(3, 0.0, x.data(), 1, y.data(), 1);  // a == 0: nothing
+  Blas1::Daxpy(0, 2.0, x.data(), 1, y.data(), 1);
+  Blas1::DCopy(-1, x.data(), 1, y.data(), 1);
+  Blas1::DSwap(0, x.data(), 1, y.data(), 1);
+  Blas1::DRot(0, x.data(), 1, y.data(), 1, 0.0, 1.0);
+  Blas1::DScal(0, 2.0, x.data(), 1);
+  Blas1::DScal(3, 2.0, x.data(), 0);
+  Blas1::DScal(3, 2.0, x.data(), -1);
+  EXPECT_EQ(x, x0);
+  EXPECT_EQ(y, y0);
+  // a == 0 leaves even NaNs in y alone (no 0 * x added).
+  y[1] = kInf;
+  x[1] = kInf;
+  Blas1::Daxpy(3, 0.0, x.data(), 1, y.data(), 1);
+  EXPECT_EQ(y[1], kInf);
+}
+
+TEST(Blas1Test, IDAMaxReturnsFirstStrictMaximum) {
+  const double tied[3] = {1, -3, 3};
+  EXPECT_EQ(Blas1::IDAMax(3, tied, 1), 2);
+  const double nanFirst[3] = {kNaN, 5, 7};
+  EXPECT_EQ(Blas1::IDAMax(3, nanFirst, 1), 1);
+  const double nanLater[4] = {1, kNaN, -2, 2};
+  EXPECT_EQ(Blas1::IDAMax(4, nanLater, 1), 3);
+  const double strided[6] = {1, 100, -4, 100, 4, 100};
+  EXPECT_EQ(Blas1::IDAMax(3, strided, 2), 2);
+}
+
+TEST(Blas1Test, IDAMaxAgreesWithTheSequentialScanAcrossBlocks) {
+  std::mt19937_64 rng(4);
+  std::uniform_int_distribution<int> small(-50, 50);
+  for (int n : {2, 3, 33, 1024, 1025, 2049, 5000}) {
+    for (int trial = 0; trial < 20; ++trial) {
+      // Few distinct magnitudes: many ties, some NaNs and infinities.
+      std::vector<double> x(static_cast<std::size_t>(n));
+      for (double& v : x) v = small(rng);
+      if (trial % 4 == 1) x[static_cast<std::size_t>(rng() % x.size())] = kNaN;
+      if (trial % 4 == 2) x[static_cast<std::size_t>(rng() % x.size())] = -kInf;
+      if (trial % 4 == 3) {
+        // A steadily rising sequence beats the maximum in every block.
+        for (int k = 0; k < n; ++k) x[static_cast<std::size_t>(k)] = k * (k % 2 ? 1 : -1);
+      }
+      double best = std::fabs(x[0]);
+      int expected = 1;
+      for (int k = 1; k < n; ++k) {
+        if (std::fabs(x[static_cast<std::size_t>(k)]) > best) {
+          best = std::fabs(x[static_cast<std::size_t>(k)]);
+          expected = k + 1;
+        }
+      }
+      EXPECT_EQ(Blas1::IDAMax(n, x.data(), 1), expected) << "n=" << n;
+    }
+  }
+}
+
+TEST(Blas1Test, GivensRotation) {
+  struct Case {
+    double a, b, r, z, c, s;
+  };
+  const Case cases[] = {
+      {3, 4, 5, 1 / 0.6, 0.6, 0.8},     {4, 3, 5, 0.6, 0.8, 0.6},
+      {-3, 4, 5, -1 / 0.6, -0.6, 0.8},  {3, -4, -5, -1 / 0.6, -0.6, 0.8},
+      {0, 0, 0, 0, 1, 0},               {0, 2, 2, 1, 0, 1},
+      {-4, -3, -5, 0.6, 0.8, 0.6},
+  };
+  for (const Case& t : cases) {
+    double a = t.a, b = t.b, c = -9, s = -9;
+    Blas1::DRotG(&a, &b, &c, &s);
+    EXPECT_NEAR(a, t.r, 1e-15) << t.a << "," << t.b;
+    EXPECT_NEAR(b, t.z, 1e-14) << t.a << "," << t.b;
+    EXPECT_NEAR(c, t.c, 1e-15) << t.a << "," << t.b;
+    EXPECT_NEAR(s, t.s, 1e-15) << t.a << "," << t.b;
+  }
+  // The rotation maps (a, b) to (r, 0), for any inputs.
+  std::mt19937_64 rng(5);
+  for (const double ab : {1e-200, 1.0, 1e200}) {
+    const std::vector<double> v = RandomVector(40, rng);
+    for (std::size_t k = 0; k < v.size(); k += 2) {
+      double a = v[k] * ab, b = v[k + 1] * ab, c, s;
+      const double a0 = a, b0 = b;
+      Blas1::DRotG(&a, &b, &c, &s);
+      EXPECT_NEAR(c * c + s * s, 1.0, 1e-15);
+      EXPECT_NEAR(c * a0 + s * b0, a, 4e-15 * std::fabs(a));
+      EXPECT_NEAR(-s * a0 + c * b0, 0.0, 4e-15 * std::fabs(a));
+    }
+  }
+}
+
+TEST(Blas1Test, MachineConstants) {
+  EXPECT_EQ(Blas1::DMach(1), std::ldexp(1.0, -52));
+  EXPECT_EQ(Blas1::DMach(2), 8.900295434028806e-306);
+  EXPECT_EQ(Blas1::DMach(3), 1.1235582092889475e+305);
+  EXPECT_EQ(Blas1::DMach(2), std::ldexp(1.0, -1020) * 100.0);
+}
+
+TEST(Blas1DeathTest, XErBlaReportsAndExitsWithStatusOne) {
+  // The report goes to standard output; route it to the error stream, which
+  // the death test inspects.
+  EXPECT_EXIT(
+      {
+        std::cout.rdbuf(std::cerr.rdbuf());
+        Blas1::XErBla("DGEMV", 3);
+      },
+      ::testing::ExitedWithCode(1),
+      "^\nXERBLA - Fatal error!\n  On entry to routine DGEMV\n"
+      "  input parameter number 3 had an illegal value.\n$");
+}
+
+TEST(Blas1DeathTest, DMachWithAnUnknownJobIsFatal) {
+  EXPECT_EXIT(
+      {
+        std::cout.rdbuf(std::cerr.rdbuf());
+        Blas1::DMach(4);
+      },
+      ::testing::ExitedWithCode(1), "On entry to routine DMACH\n  input parameter number 1 ");
+}
+
+}  // namespace

@@ -1,0 +1,354 @@
+#include "kxcommonr/common/KXMathFun.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cfloat>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <random>
+#include <vector>
+
+#include "kxcommonr/common/Blas1.h"
+#include "kxcommonr/common/KXMV.h"
+
+namespace {
+
+using KXCommon::Blas1;
+using KXCommon::KXMathFun;
+using KXCommon::KXMV;
+using Vec = std::vector<double>;
+
+::testing::AssertionResult SameBits(double a, double b) {
+  std::uint64_t ua, ub;
+  std::memcpy(&ua, &a, sizeof a);
+  std::memcpy(&ub, &b, sizeof b);
+  if (ua == ub) return ::testing::AssertionSuccess();
+  return ::testing::AssertionFailure() << a << " and " << b << " differ";
+}
+
+Vec RandomVector(std::size_t n, std::mt19937_64& rng) {
+  std::uniform_real_distribution<double> mantissa(-1.0, 1.0);
+  std::uniform_int_distribution<int> exponent(-20, 20);
+  Vec v(n);
+  for (double& x : v) x = std::ldexp(mantissa(rng), exponent(rng));
+  return v;
+}
+
+// Index of element k of a walk that starts at off - (n-1)*inc for inc < 0.
+std::size_t At(int n, int off, int inc, int k) {
+  const int first = inc < 0 ? off - (n - 1) * inc : off;
+  return static_cast<std::size_t>(first + k * inc);
+}
+
+// Full n x n matrix from packed lower-triangular storage.
+std::vector<Vec> Unpacked(const Vec& packed, int n) {
+  std::vector<Vec> full(static_cast<std::size_t>(n), Vec(static_cast<std::size_t>(n)));
+  std::size_t p = 0;
+  for (int i = 0; i < n; ++i) {
+    for (int j = 0; j <= i; ++j) {
+      full[static_cast<std::size_t>(i)][static_cast<std::size_t>(j)] = packed[p];
+      full[static_cast<std::size_t>(j)][static_cast<std::size_t>(i)] = packed[p];
+      ++p;
+    }
+  }
+  return full;
+}
+
+TEST(KXMathFunTest, VectorSumsAreBitIdenticalToPlainLoops) {
+  std::mt19937_64 rng(11);
+  for (int n : {1, 2, 5, 17, 100, 1001}) {
+    for (int inc : {1, 3, -2}) {
+      const int off = 4;
+      const Vec x = RandomVector(static_cast<std::size_t>(off + 3 * n + 4), rng);
+      const Vec y = RandomVector(x.size(), rng);
+      double asum = 0, dot = 0;
+      for (int k = 0; k < n; ++k) {
+        asum += std::fabs(x[At(n, off, inc, k)]);
+        dot += x[At(n, off, inc, k)] * y[At(n, 2, 1, k)];
+      }
+      EXPECT_TRUE(SameBits(KXMathFun::DASum(n, x, off, inc), asum)) << n;
+      EXPECT_TRUE(SameBits(KXMathFun::DDot(n, x, off, inc, y, 2, 1), dot)) << n;
+      if (inc > 0) {
+        double sum = 0;
+        for (int k = 0; k < n; ++k) sum += x[static_cast<std::size_t>(k * inc)];
+        EXPECT_TRUE(SameBits(KXMathFun::DSum(n, x, inc), sum)) << n;
+        // The norm is the same kernel as Blas1's.
+        EXPECT_TRUE(SameBits(KXMathFun::DNrm2(n, x, off, inc),
+                             Blas1::DNrm2(n, x.data() + off, inc)));
+      }
+    }
+  }
+}
+
+TEST(KXMathFunTest, SumEdgeCases) {
+  const Vec x = {2.5, 7, 9};
+  EXPECT_EQ(KXMathFun::DSum(3, x, -1), 0.0);
+  EXPECT_EQ(KXMathFun::DSum(1, x, -1), 2.5);
+  EXPECT_EQ(KXMathFun::DSum(3, x, 0), 7.5);
+  EXPECT_EQ(KXMathFun::DSum(0, x, 1), 0.0);
+  EXPECT_EQ(KXMathFun::DSum(2, x, 2), 11.5);
+  EXPECT_TRUE(KXMV::IsMissing(KXMathFun::DSum(3, x, 2)));  // runs past the end
+  EXPECT_EQ(KXMathFun::DASum(0, x, 0, 1), 0.0);
+  EXPECT_EQ(KXMathFun::DASum(2, Vec(), 0, 1), 0.0);
+  EXPECT_TRUE(KXMV::IsMissing(KXMathFun::DASum(2, x, 2, 1)));
+  EXPECT_TRUE(KXMV::IsMissing(KXMathFun::DASum(2, x, -1, 1)));
+  EXPECT_EQ(KXMathFun::DASum(2, x, 1, -1), 16.0);
+  EXPECT_EQ(KXMathFun::DDot(0, x, 0, 1, x, 0, 1), 0.0);
+  EXPECT_TRUE(KXMV::IsMissing(KXMathFun::DDot(2, x, 0, 3, x, 0, 1)));
+}
+
+TEST(KXMathFunTest, NormEdgeCases) {
+  const Vec x = {0, -3e200, 4e200, 0};
+  EXPECT_EQ(KXMathFun::DNrm2(0, x, 0, 1), 0.0);
+  EXPECT_EQ(KXMathFun::DNrm2(1, x, 1, 1), 3e200);
+  EXPECT_EQ(KXMathFun::DNrm2(1, x, 1, -5), 3e200);
+  EXPECT_EQ(KXMathFun::DNrm2(2, x, 1, -1), 0.0);
+  EXPECT_DOUBLE_EQ(KXMathFun::DNrm2(4, x, 0, 1), 5e200);
+  EXPECT_DOUBLE_EQ(KXMathFun::DNrm2(3, x, 1, 0), std::sqrt(3.0) * 3e200);
+  EXPECT_TRUE(KXMV::IsMissing(KXMathFun::DNrm2(5, x, 0, 1)));
+}
+
+TEST(KXMathFunTest, UpdatesMatchPlainLoops) {
+  std::mt19937_64 rng(12);
+  for (int n : {1, 3, 8, 37}) {
+    for (int incx : {1, 2, -1}) {
+      for (int incy : {1, -2}) {
+        for (double a : {0.3, 1.0, -1.0}) {
+          const Vec x = RandomVector(static_cast<std::size_t>(3 * n + 3), rng);
+          Vec y = RandomVector(static_cast<std::size_t>(3 * n + 3), rng);
+          Vec expected = y;
+          for (int k = 0; k < n; ++k) {
+            expected[At(n, 1, incy, k)] += a * x[At(n, 2, incx, k)];
+          }
+          KXMathFun::Daxpy(n, a, x, 2, incx, y, 1, incy);
+          EXPECT_EQ(y, expected) << n << " " << a;
+        }
+      }
+      if (incx > 0) {
+        for (double a : {0.3, 1.0, -1.0, 0.0}) {
+          Vec x = RandomVector(static_cast<std::size_t>(3 * n + 3), rng);
+          Vec expected = x;
+          for (int k = 0; k < n; ++k) expected[static_cast<std::size_t>(1 + k * incx)] *= a;
+          KXMathFun::DScal(n, a, x, 1, incx);
+          EXPECT_EQ(x, expected) << n << " " << a;
+          KXMathFun::DLoad(n, a + 5, x, 1, incx);
+          for (int k = 0; k < n; ++k) expected[static_cast<std::size_t>(1 + k * incx)] = a + 5;
+          EXPECT_EQ(x, expected) << n << " " << a;
+        }
+      }
+    }
+  }
+}
+
+TEST(KXMathFunTest, UpdatesRefuseBadWalksWithoutWriting) {
+  const Vec x = {1, 2, 3};
+  Vec y = {4, 5, 6};
+  const Vec y0 = y;
+  KXMathFun::Daxpy(3, 2.0, x, 1, 1, y, 0, 1);   // x walk leaves x
+  KXMathFun::Daxpy(3, 2.0, x, 0, 1, y, 0, 2);   // y walk leaves y
+  KXMathFun::Daxpy(3, 0.0, x, 0, 1, y, 0, 1);   // a == 0
+  KXMathFun::DLoad(2, 9.0, y, -1, 1);
+  KXMathFun::DLoad(2, 9.0, y, 2, -1);           // (n-1)*inc + 1 < 1
+  KXMathFun::DLoad(4, 9.0, y, 0, 1);
+  KXMathFun::DScal(2, 9.0, y, 0, -1);
+  KXMathFun::DScal(4, 9.0, y, 0, 1);
+  KXMathFun::DScal(3, 1.0, y, 0, 1);
+  EXPECT_EQ(y, y0);
+  KXMathFun::DLoad(3, 9.0, y, 1, 0);            // a zero stride loads one
+  EXPECT_EQ(y, (Vec{4, 9, 6}));
+  KXMathFun::DScal(2, 2.0, y, 1, 0);            // and scales it twice
+  EXPECT_EQ(y, (Vec{4, 36, 6}));
+}
+
+TEST(KXMathFunTest, GrowingWalksFollowAPackedColumn) {
+  // Column j of a packed n x n triangle from row j down: offset
+  // j*(j+1)/2 + j, then steps j+1, j+2, ...
+  const int n = 7;
+  std::mt19937_64 rng(13);
+  const Vec packed = RandomVector(static_cast<std::size_t>(n * (n + 1) / 2), rng);
+  const std::vector<Vec> full = Unpacked(packed, n);
+  for (int j = 0; j < n; ++j) {
+    const int off = j * (j + 1) / 2 + j;
+    const int length = n - j;
+    // Column j below the diagonal equals row j of the full matrix.
+    Vec other(static_cast<std::size_t>(length));
+    for (int k = 0; k < length; ++k) other[static_cast<std::size_t>(k)] = k + 1.0;
+    // IIDot against a walk on a second packed triangle laid out the same.
+    Vec packedOther(packed.size(), 0.0);
+    KXMathFun::IIInit(length, 0.0, packedOther, off, j + 1);
+    double expectedDot = 0.0;
+    for (int k = 0; k < length; ++k) {
+      const std::size_t row = static_cast<std::size_t>(j + k);
+      packedOther[row * (row + 1) / 2 + static_cast<std::size_t>(j)] = k + 1.0;
+      expectedDot += full[row][static_cast<std::size_t>(j)] * (k + 1.0);
+    }
+    EXPECT_EQ(KXMathFun::IIDot(length, packed, off, j + 1, packedOther, off, j + 1),
+              expectedDot);
+
+    Vec scaled = packed;
+    KXMathFun::IIScal(length, -2.0, scaled, off, j + 1);
+    Vec updated = packed;
+    KXMathFun::IIAxpy(length, 0.5, packedOther, off, j + 1, updated, off, j + 1);
+    Vec filled = packed;
+    KXMathFun::IIInit(length, 42.0, filled, off, j + 1);
+    const std::vector<Vec> fullScaled = Unpacked(scaled, n);
+    const std::vector<Vec> fullUpdated = Unpacked(updated, n);
+    const std::vector<Vec> fullFilled = Unpacked(filled, n);
+    for (int r = 0; r < n; ++r) {
+      for (int c = 0; c <= r; ++c) {
+        const std::size_t ru = static_cast<std::size_t>(r), cu = static_cast<std::size_t>(c);
+        const bool inColumn = c == j && r >= j;
+        const double original = full[ru][cu];
+        EXPECT_EQ(fullScaled[ru][cu], inColumn ? -2.0 * original : original);
+        EXPECT_EQ(fullUpdated[ru][cu],
+                  inColumn ? original + 0.5 * (r - j + 1.0) : original);
+        EXPECT_EQ(fullFilled[ru][cu], inColumn ? 42.0 : original);
+      }
+    }
+  }
+}
+
+TEST(KXMathFunTest, GrowingWalksRefuseToLeaveTheVector) {
+  Vec x(10, 1.0);
+  const Vec x0 = x;
+  // Positions 0, 2, 5, 9 fit; a fifth (14) does not.
+  EXPECT_EQ(KXMathFun::IIDot(4, x, 0, 2, x, 0, 2), 4.0);
+  EXPECT_TRUE(KXMV::IsMissing(KXMathFun::IIDot(5, x, 0, 2, x, 0, 2)));
+  KXMathFun::IIInit(5, 3.0, x, 0, 2);
+  KXMathFun::IIScal(5, 3.0, x, 0, 2);
+  KXMathFun::IIAxpy(5, 3.0, x0, 0, 2, x, 0, 1);
+  // A negative stride first walks down: 5, 1, -2 leaves the vector.
+  KXMathFun::IIInit(3, 3.0, x, 5, -4);
+  EXPECT_EQ(x, x0);
+  // 5, 2, 0, -1 ... : three positions fit.
+  KXMathFun::IIInit(3, 3.0, x, 5, -3);
+  EXPECT_EQ(x[5], 3.0);
+  EXPECT_EQ(x[2], 3.0);
+  EXPECT_EQ(x[0], 3.0);
+  EXPECT_EQ(KXMathFun::IIDot(0, x, 0, 1, x, 0, 1), 0.0);
+}
+
+TEST(KXMathFunTest, PackedRowProductsAndQuadraticFormsMatchTheFullMatrix) {
+  std::mt19937_64 rng(14);
+  for (int n : {1, 2, 5, 12}) {
+    const Vec packed = RandomVector(static_cast<std::size_t>(n * (n + 1) / 2), rng);
+    const std::vector<Vec> full = Unpacked(packed, n);
+    const Vec x = RandomVector(static_cast<std::size_t>(2 * n), rng);
+    for (int row = 0; row < n; ++row) {
+      double expected = 0.0;
+      for (int j = 0; j < n; ++j) {
+        expected += full[static_cast<std::size_t>(row)][static_cast<std::size_t>(j)] *
+                    x[static_cast<std::size_t>(2 * j)];
+      }
+      EXPECT_TRUE(SameBits(KXMathFun::RVD(packed, n, row, x, 2), expected));
+    }
+    long double form = 0;
+    for (int i = 0; i < n; ++i) {
+      for (int j = 0; j < n; ++j) {
+        form += static_cast<long double>(full[static_cast<std::size_t>(i)][static_cast<std::size_t>(j)]) *
+                x[static_cast<std::size_t>(i)] * x[static_cast<std::size_t>(j)];
+      }
+    }
+    long double magnitude = 0;
+    for (int i = 0; i < n; ++i) {
+      for (int j = 0; j < n; ++j) {
+        magnitude += std::fabs(full[static_cast<std::size_t>(i)][static_cast<std::size_t>(j)] *
+                               x[static_cast<std::size_t>(i)] * x[static_cast<std::size_t>(j)]);
+      }
+    }
+    EXPECT_NEAR(KXMathFun::VSV(packed, n, x), static_cast<double>(form),
+                1e-15 * n * static_cast<double>(magnitude));
+  }
+}
+
+TEST(KXMathFunTest, PackedHelpersRefuseShortOrBadArguments) {
+  const Vec packed = {1, 2, 3, 4, 5, 6};  // n = 3
+  const Vec x = {1, 1, 1};
+  EXPECT_TRUE(KXMV::IsMissing(KXMathFun::RVD(packed, 0, 0, x, 1)));
+  EXPECT_TRUE(KXMV::IsMissing(KXMathFun::RVD(packed, 3, 3, x, 1)));
+  EXPECT_TRUE(KXMV::IsMissing(KXMathFun::RVD(packed, 3, -1, x, 1)));
+  EXPECT_TRUE(KXMV::IsMissing(KXMathFun::RVD(packed, 4, 0, x, 1)));
+  EXPECT_TRUE(KXMV::IsMissing(KXMathFun::RVD(packed, 3, 0, x, 2)));
+  EXPECT_EQ(KXMathFun::RVD(packed, 3, 1, x, 1), 2.0 + 3.0 + 5.0);
+  EXPECT_EQ(KXMathFun::RVD(packed, 3, 1, x, 0), 10.0);
+  EXPECT_EQ(KXMathFun::VSV(packed, 0, x), 0.0);
+  EXPECT_TRUE(KXMV::IsMissing(KXMathFun::VSV(packed, -1, x)));
+  EXPECT_TRUE(KXMV::IsMissing(KXMathFun::VSV(Vec(5, 1.0), 3, x)));
+  EXPECT_TRUE(KXMV::IsMissing(KXMathFun::VSV(packed, 3, Vec(2, 1.0))));
+  EXPECT_EQ(KXMathFun::VSV(packed, 3, x), 1 + 3 + 6 + 2 * (2 + 4 + 5.0));
+}
+
+TEST(KXMathFunTest, DifferenceNorms) {
+  EXPECT_DOUBLE_EQ(KXMathFun::VMaxRelDiff({1}, {0}, 0), 1e6);
+  EXPECT_DOUBLE_EQ(KXMathFun::VMaxRelDiff({1, 3}, {2, 1}, -1), 1.0);
+  EXPECT_DOUBLE_EQ(KXMathFun::VMaxRelDiff({1, 3, 100}, {2, 1}, 0.5), 2 / 1.5);
+  EXPECT_EQ(KXMathFun::VMaxRelDiff({}, {1}, 0), 0.0);
+  EXPECT_EQ(KXMathFun::VNrm1Diff({1, -4, 7}, {2, 4}), 8.0);
+  EXPECT_EQ(KXMathFun::VNrm1Diff({1}, {}), 0.0);
+}
+
+TEST(KXMathFunTest, BinSearchFindsTheInterval) {
+  const Vec v = {1, 2, 3};
+  EXPECT_EQ(KXMathFun::BinSearch(v, 0, 2, 2.0, false), 1);
+  EXPECT_EQ(KXMathFun::BinSearch(v, 0, 2, 2.0, true), 2);
+  EXPECT_EQ(KXMathFun::BinSearch(v, 0, 2, 3.0, true), -1);
+  EXPECT_EQ(KXMathFun::BinSearch(v, 0, 2, 3.0, false), 2);
+  EXPECT_EQ(KXMathFun::BinSearch(v, 0, 2, 0.5, false), 0);
+  EXPECT_EQ(KXMathFun::BinSearch(v, 0, 3, 0.5, false), -2);
+  EXPECT_EQ(KXMathFun::BinSearch(v, 2, 1, 0.5, false), -2);
+  EXPECT_EQ(KXMathFun::BinSearch(v, -1, 1, 0.5, false), -2);
+  EXPECT_EQ(KXMathFun::BinSearch(v, 0, 2, 3.5, false), -1);
+  // With lo > 0 the cut below lo bounds the first interval.
+  EXPECT_EQ(KXMathFun::BinSearch(v, 1, 2, 1.0, false), -1);
+  EXPECT_EQ(KXMathFun::BinSearch(v, 1, 2, 1.0, true), 1);
+  EXPECT_EQ(KXMathFun::BinSearch(v, 1, 2, 0.9, true), -1);
+  EXPECT_EQ(KXMathFun::BinSearch(v, 2, 2, 2.5, false), 2);
+  const std::vector<int> iv = {10, 20, 30, 40};
+  EXPECT_EQ(KXMathFun::BinSearch(iv, 0, 3, 25, false), 2);
+  EXPECT_EQ(KXMathFun::BinSearch(iv, 0, 3, 40, true), -1);
+  EXPECT_EQ(KXMathFun::BinSearch(iv, 0, 3, 30, true), 3);
+}
+
+TEST(KXMathFunTest, BinSearchAgreesWithALinearScan) {
+  std::mt19937_64 rng(15);
+  std::uniform_int_distribution<int> cut(0, 20);
+  for (int trial = 0; trial < 300; ++trial) {
+    Vec v(1 + rng() % 12);
+    for (double& c : v) c = cut(rng);
+    std::sort(v.begin(), v.end());
+    v.erase(std::unique(v.begin(), v.end()), v.end());  // distinct cuts
+    const int hi = static_cast<int>(v.size()) - 1;
+    const int lo = static_cast<int>(rng() % v.size());
+    const double x = cut(rng) + (trial % 2 ? 0.5 : 0.0) - 1;
+    for (bool rightOpen : {false, true}) {
+      int expected = -1;
+      for (int k = lo; k <= hi; ++k) {
+        const std::size_t ku = static_cast<std::size_t>(k);
+        const bool aboveLower =
+            k == 0 ? true
+                   : (rightOpen ? x >= v[ku - 1] : x > v[ku - 1]);
+        const bool belowUpper = rightOpen ? x < v[ku] : x <= v[ku];
+        if (aboveLower && belowUpper) {
+          expected = k;
+          break;
+        }
+      }
+      EXPECT_EQ(KXMathFun::BinSearch(v, lo, hi, x, rightOpen), expected)
+          << "x=" << x << " lo=" << lo << " rightOpen=" << rightOpen;
+    }
+  }
+}
+
+TEST(KXMathFunTest, IsValidDouble) {
+  EXPECT_TRUE(KXMathFun::IsValidDouble(KXMV::Missing()));
+  EXPECT_TRUE(KXMathFun::IsValidDouble(DBL_MAX));
+  EXPECT_TRUE(KXMathFun::IsValidDouble(0.0));
+  EXPECT_FALSE(KXMathFun::IsValidDouble(std::numeric_limits<double>::infinity()));
+  EXPECT_FALSE(KXMathFun::IsValidDouble(-std::numeric_limits<double>::infinity()));
+  EXPECT_FALSE(KXMathFun::IsValidDouble(std::numeric_limits<double>::quiet_NaN()));
+}
+
+}  // namespace
