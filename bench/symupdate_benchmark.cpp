@@ -1,0 +1,84 @@
+// bench/symupdate_benchmark.cpp
+//
+// The weighted rank-one update of a packed symmetric matrix, KXSymMatrix::
+// UpdateXX, beside the BLAS packed rank-one update dspr (uplo 'U': the upper
+// triangle packed column by column is the same memory layout as our lower
+// triangle packed row by row) from OpenBLAS (one thread) and the reference
+// BLAS, on the same matrix order and case vector.
+//
+//   symupdate_benchmark --benchmark_repetitions=3 --benchmark_report_aggregates_only=true
+//
+// Compare the median times of one order: ours / peer is the speed ratio.
+#include <benchmark/benchmark.h>
+
+#include <cstddef>
+#include <random>
+#include <vector>
+
+#include "PeerLibraries.h"
+#include "kxcommonr/common/KXSymMatrix.h"
+
+namespace {
+
+// Fortran dspr with the hidden length of the character argument.
+using DsprFn = void (*)(const char* uplo, const int* n, const double* alpha,
+                        const double* x, const int* incx, double* ap,
+                        std::size_t uploLength);
+
+std::vector<double> CaseVector(int n, double zeroShare) {
+  std::mt19937_64 engine(12345);
+  std::uniform_real_distribution<double> uniform(0.0, 1.0);
+  std::vector<double> x(static_cast<std::size_t>(n));
+  for (double& value : x) {
+    value = uniform(engine) < zeroShare ? 0.0 : uniform(engine) - 0.5;
+  }
+  return x;
+}
+
+void BM_UpdateXX(benchmark::State& state, double zeroShare) {
+  const int n = static_cast<int>(state.range(0));
+  KXCommon::KXSymMatrix matrix(n);
+  const std::vector<double> x = CaseVector(n, zeroShare);
+  for (auto _ : state) {
+    matrix.UpdateXX(x, 1e-3);
+    benchmark::DoNotOptimize(matrix.AsVector().data());
+    benchmark::ClobberMemory();
+  }
+  state.SetItemsProcessed(state.iterations());
+}
+
+void BM_Dspr(benchmark::State& state, const kxbench::PeerLibrary& peer,
+             double zeroShare) {
+  const DsprFn dspr = peer.Loaded() ? peer.Get<DsprFn>("dspr_") : nullptr;
+  if (dspr == nullptr) {
+    state.SkipWithError("peer not found");
+    return;
+  }
+  const int n = static_cast<int>(state.range(0));
+  std::vector<double> packed(static_cast<std::size_t>(n) * (n + 1) / 2, 0.0);
+  const std::vector<double> x = CaseVector(n, zeroShare);
+  const double alpha = 1e-3;
+  const int inc = 1;
+  for (auto _ : state) {
+    dspr("U", &n, &alpha, x.data(), &inc, packed.data(), 1);
+    benchmark::DoNotOptimize(packed.data());
+    benchmark::ClobberMemory();
+  }
+  state.SetItemsProcessed(state.iterations());
+}
+
+void Orders(benchmark::internal::Benchmark* b) {
+  for (int n : {10, 50, 200, 1000}) b->Arg(n);
+}
+
+// Dense case vectors.
+BENCHMARK_CAPTURE(BM_UpdateXX, dense, 0.0)->Apply(Orders);
+BENCHMARK_CAPTURE(BM_Dspr, openblas_dense, kxbench::OpenBlas(), 0.0)->Apply(Orders);
+BENCHMARK_CAPTURE(BM_Dspr, refblas_dense, kxbench::ReferenceBlas(), 0.0)->Apply(Orders);
+// Half the elements zero, as with dummy-coded categorical predictors.
+BENCHMARK_CAPTURE(BM_UpdateXX, half_zero, 0.5)->Apply(Orders);
+BENCHMARK_CAPTURE(BM_Dspr, openblas_half_zero, kxbench::OpenBlas(), 0.5)->Apply(Orders);
+
+}  // namespace
+
+BENCHMARK_MAIN();
