@@ -54,11 +54,17 @@ double KXRectMatrix::DotProductRowRow(int row, const KXRectMatrix& B, int bRow) 
 
 bool KXRectMatrix::ComputeMatrixProduct(const KXRectMatrix& B, KXRectMatrix& out) const {
   if (nCols != B.nRows) return false;
+  const internal::StridedView a{data.data(), nCols, 1};
+  const internal::StridedView b{B.data.data(), B.nCols, 1};
+  if (&out != this && &out != &B && out.nRows == nRows && out.nCols == B.nCols) {
+    // Reuse the output's storage (no allocation when called in a loop).
+    out.Clear();
+    internal::GemmAccumulate(nRows, B.nCols, nCols, a, b, out.data.data(), B.nCols);
+    return true;
+  }
   KXRectMatrix result;
   if (!result.SetNRowsCols(nRows, B.nCols)) return false;
-  internal::GemmAccumulate(nRows, B.nCols, nCols, internal::StridedView{data.data(), nCols, 1},
-                           internal::StridedView{B.data.data(), B.nCols, 1}, result.data.data(),
-                           B.nCols);
+  internal::GemmAccumulate(nRows, B.nCols, nCols, a, b, result.data.data(), B.nCols);
   out = std::move(result);
   return true;
 }
@@ -77,7 +83,12 @@ bool KXRectMatrix::ComputeProductMatrixTrans(const KXRectMatrix& B, KXRectMatrix
 
 bool KXRectMatrix::ComputeRV(const std::vector<double>& v, std::vector<double>& out) const {
   if (v.size() != static_cast<std::size_t>(nCols)) return false;
-  std::vector<double> result(static_cast<std::size_t>(nRows));
+  std::vector<double> result;
+  try {
+    result.resize(static_cast<std::size_t>(nRows));
+  } catch (const std::bad_alloc&) {
+    return false;
+  }
   for (int i = 0; i < nRows; ++i)
     result[static_cast<std::size_t>(i)] = StridedDot(nCols, data.data() + Offset(i, 0), 1, v.data(), 1);
   out.swap(result);
@@ -88,7 +99,12 @@ bool KXRectMatrix::ComputeVR(const std::vector<double>& v, std::vector<double>& 
   if (v.size() != static_cast<std::size_t>(nRows)) return false;
   // Row by row, so each output sums over i in increasing order while the
   // inner loop runs over contiguous elements.
-  std::vector<double> result(static_cast<std::size_t>(nCols), 0.0);
+  std::vector<double> result;
+  try {
+    result.assign(static_cast<std::size_t>(nCols), 0.0);
+  } catch (const std::bad_alloc&) {
+    return false;
+  }
   for (int i = 0; i < nRows; ++i) {
     const double vi = v[static_cast<std::size_t>(i)];
     const double* row = data.data() + Offset(i, 0);

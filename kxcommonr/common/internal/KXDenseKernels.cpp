@@ -35,6 +35,7 @@ namespace {
 constexpr int kSlabDepth = 256;    // KC: depth of a packed slab
 constexpr int kRowBlock = 96;      // MC: rows of a per packed block (multiple of every MR)
 constexpr int kColBlock = 512;     // NC: columns of b per packed block (multiple of every NR)
+constexpr int kNarrowTriangle = 128;  // below this order a triangle uses narrower tiles
 
 // Per-thread packing buffers, 64-byte aligned, grown on demand.
 struct PackBuffers {
@@ -61,6 +62,22 @@ KX_DENSE_INLINE void PackA(const StridedView& a, int i0, int mc, int p0, int kc,
   for (int ir = 0; ir < mc; ir += MR) {
     const int rows = mc - ir < MR ? mc - ir : MR;
     double* panel = out + static_cast<std::ptrdiff_t>(ir) * kc;
+    if (a.rowStride == 1) {
+      // The rows of a panel are contiguous for each p (a transposed view,
+      // as for a block of cases): copy them a p at a time.
+      for (int p = 0; p < kc; ++p) {
+        const double* src = a.base + static_cast<std::ptrdiff_t>(i0 + ir) +
+                            static_cast<std::ptrdiff_t>(p0 + p) * a.colStride;
+        double* dst = panel + static_cast<std::ptrdiff_t>(p) * MR;
+        if (scaled) {
+          for (int r = 0; r < rows; ++r) dst[r] = src[r] * scale;
+        } else {
+          for (int r = 0; r < rows; ++r) dst[r] = src[r];
+        }
+        for (int r = rows; r < MR; ++r) dst[r] = 0.0;
+      }
+      continue;
+    }
     for (int r = 0; r < rows; ++r) {
       const double* src = a.base + static_cast<std::ptrdiff_t>(i0 + ir + r) * a.rowStride +
                           static_cast<std::ptrdiff_t>(p0) * a.colStride;
@@ -265,7 +282,12 @@ struct ScalarKernel {
 #if defined(KX_DENSE_X86_DISPATCH)
 
 __attribute__((target("avx512f"))) void RunAvx512(const MultiplyArgs& args) {
-  RunVector<8, 2, Vec8>(args);
+  // A small triangle wastes less of narrower tiles on its diagonal.
+  if (args.lower && args.n < kNarrowTriangle) {
+    RunVector<8, 1, Vec8>(args);
+  } else {
+    RunVector<8, 2, Vec8>(args);
+  }
 }
 
 __attribute__((target("avx2"))) void RunAvx2(const MultiplyArgs& args) {
