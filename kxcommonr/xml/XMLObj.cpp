@@ -92,4 +92,8 @@ int XMLObj::WriteSubElement(std::ostream& os, const std::string& value) const {
   return 0;
 }
 
+int XMLObj::WriteSubElement(std::ostream& os, const char* value) const {
+  return WriteSubElement(os, std::string(value != nullptr ? value : ""));
+}
+
 }  // namespace KXXML_NAMESPACE

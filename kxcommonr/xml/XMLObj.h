@@ -63,6 +63,9 @@ class KXCOMMONR_API XMLObj {
   int WriteSubElement(std::ostream& os, double value) const;
   // Element String, the text escaped as an attribute value.
   int WriteSubElement(std::ostream& os, const std::string& value) const;
+  // As the string form (null writes the empty string). Without it a string
+  // literal would silently pick the bool form.
+  int WriteSubElement(std::ostream& os, const char* value) const;
 
  private:
   void WriteValueLine(std::ostream& os, const char* element,

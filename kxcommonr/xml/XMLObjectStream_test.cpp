@@ -69,7 +69,7 @@ void WriteSample(std::ostream& os, const Sample& s, int tabs) {
   object.WriteSubElement(os, s.real);
   object.WriteSubElement(os, s.missing);
   object.WriteSubElement(os, s.label);
-  object.WriteSubElement(os, s.empty);
+  object.WriteSubElement(os, s.empty.c_str());  // a literal is a string, not a bool
   object.EndObj(os);
 }
 
