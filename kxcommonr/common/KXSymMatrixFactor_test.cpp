@@ -311,6 +311,30 @@ TEST_F(KernelLevels, ChunkedSweepMatchesPlainBitForBit) {
   }
 }
 
+TEST_F(KernelLevels, BlockedInverseAndProductMatchPlainBitForBit) {
+  namespace in = KXCommon::internal;
+  for (int level : Levels()) {
+    in::SetKernelLevel(level);
+    for (int n : {31, 32, 33, 47, 64, 101, 150}) {
+      // A factor with two zero pivots (rows 5 and n-2), as LTChol leaves it.
+      const Dense a = DependentCrossProducts(n, {5, static_cast<std::size_t>(n - 2)}, 40u + n);
+      std::vector<double> factor = kxtesting::ToSym(a).GetData();
+      std::vector<unsigned char> ok(n);
+      const std::vector<double> orig = Diagonal(a);
+      ASSERT_EQ(in::PackedCholesky(factor.data(), n, orig.data(), 1e-9, ok.data()), 2);
+      std::vector<double> plain = factor, fast = factor;
+      EXPECT_EQ(in::PackedLowerInversePlain(plain.data(), n), 2);
+      EXPECT_EQ(in::PackedLowerInverse(fast.data(), n), 2);
+      EXPECT_EQ(0, std::memcmp(plain.data(), fast.data(), plain.size() * sizeof(double)))
+          << "inverse, level " << level << " n=" << n;
+      in::PackedLowerTransLowerPlain(plain.data(), n);
+      in::PackedLowerTransLower(fast.data(), n);
+      EXPECT_EQ(0, std::memcmp(plain.data(), fast.data(), plain.size() * sizeof(double)))
+          << "M'M, level " << level << " n=" << n;
+    }
+  }
+}
+
 // ---------------------------------------------------------------------------
 // Properties against independent computations
 // ---------------------------------------------------------------------------

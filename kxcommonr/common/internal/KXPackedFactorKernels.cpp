@@ -125,16 +125,15 @@ KX_INLINE void Axmy(double* y, const double* x, double c, std::int64_t count) {
 
 // The register tile: for t = 0 .. count-1, with a_t = a + (offset after t
 // strides), b_t likewise,
-//   c[r][q] = c[r][q] -/+ a_t[r] * b_t[q],  r < R, q < kVecs * kLanes.
+//   c[r][q] = c[r][q] -/+ a_t[r] * b_t[q],  r < R, q < NV * kLanes.
 // The strides grow by aGrow / bGrow after each step (0 for a fixed stride,
 // 1 for walking down a packed column, whose stride is the row length).
-template <class Isa, int R, bool kSubtract>
+template <class Isa, int R, int NV, bool kSubtract>
 KX_INLINE void TileKernel(double* const* c, const double* a, std::int64_t aStride,
                           std::int64_t aGrow, const double* b, std::int64_t bStride,
                           std::int64_t bGrow, std::int64_t count) {
   typedef typename Isa::V V;
   constexpr int L = Isa::kLanes;
-  constexpr int NV = Isa::kVecs;
   V acc[R][NV];
   for (int r = 0; r < R; ++r)
     for (int v = 0; v < NV; ++v) LoadU(acc[r][v], c[r] + v * L);
@@ -240,13 +239,13 @@ KX_INLINE int CholeskyBlocked(double* a, int n, const double* origDiag, double t
       if (rows == R) {
         for (; j0 + NR - 1 <= i0; j0 += NR) {
           for (int r = 0; r < R; ++r) crow[r] = a + PackedAt(i0 + r, j0);
-          TileKernel<Isa, R, true>(crow, packedA, R, 0, panel + (j0 - p0), ld, 0, w);
+          TileKernel<Isa, R, Isa::kVecs, true>(crow, packedA, R, 0, panel + (j0 - p0), ld, 0, w);
         }
       } else {
         for (; j0 + NR - 1 <= i0; j0 += NR) {
           for (int r = 0; r < rows; ++r) {
             crow[0] = a + PackedAt(i0 + r, j0);
-            TileKernel<Isa, 1, true>(crow, packedA + r, R, 0, panel + (j0 - p0), ld, 0,
+            TileKernel<Isa, 1, Isa::kVecs, true>(crow, packedA + r, R, 0, panel + (j0 - p0), ld, 0,
                                      w);
           }
         }
@@ -265,6 +264,173 @@ KX_INLINE int CholeskyBlocked(double* a, int n, const double* origDiag, double t
   return redundant;
 }
 
+// ---------------------------------------------------------------------------
+// Triangular inverse and M'M
+// ---------------------------------------------------------------------------
+
+// Scratch of the blocked inverse, in doubles.
+std::size_t InverseScratchSize(int n, int rows, int tile) {
+  const std::size_t un = static_cast<std::size_t>(n);
+  return static_cast<std::size_t>(rows) * (un + tile) + static_cast<std::size_t>(rows) * un +
+         (un / tile + 1) * tile * tile;
+}
+
+// Blocked in-place inverse of a packed lower-triangular matrix. Rows are
+// produced R at a time; x_ij = -(sum_{m=j}^{i-1} l_im x_mj) / l_ii keeps its
+// column order m = j, j+1, ...: first the finished rows m < i0 (register
+// tiles over the columns; the triangular start of each column tile reads a
+// zero-padded copy of that diagonal block, adding exact zeros where m < j),
+// then the rows of the block itself in order.
+template <class Isa>
+KX_INLINE int LowerInverseBlocked(double* a, int n, double* scratch) {
+  constexpr int R = Isa::kRows;
+  constexpr int NV = Isa::kVecs;
+  constexpr int NR = NV * Isa::kLanes;
+  const std::int64_t ldS = static_cast<std::int64_t>(n) + NR;
+  double* sums = scratch;
+  double* packedA = sums + R * ldS;
+  double* diagonalBlocks = packedA + static_cast<std::size_t>(R) * n;
+  int blocksBuilt = 0;
+  int zeroRows = 0;
+  for (int i0 = 0; i0 < n; i0 += R) {
+    const int rows = std::min(R, n - i0);
+    for (int r = 0; r < rows; ++r) {
+      std::fill(sums + r * ldS, sums + r * ldS + i0 + r + 1, 0.0);
+      const double* row = a + PackedAt(i0 + r, 0);
+      for (int m = 0; m < i0; ++m) packedA[static_cast<std::size_t>(m) * R + r] = row[m];
+    }
+    double* crow[R];
+    int j0 = 0;
+    for (; j0 + NR <= i0; j0 += NR) {
+      const int tile = j0 / NR;
+      for (; blocksBuilt <= tile; ++blocksBuilt) {
+        double* block = diagonalBlocks + static_cast<std::size_t>(blocksBuilt) * NR * NR;
+        const int base = blocksBuilt * NR;
+        for (int t = 0; t < NR - 1; ++t) {
+          const double* row = a + PackedAt(base + t, base);
+          for (int c = 0; c < NR; ++c) block[t * NR + c] = c <= t ? row[c] : 0.0;
+        }
+      }
+      const double* block = diagonalBlocks + static_cast<std::size_t>(tile) * NR * NR;
+      const int m1 = j0 + NR - 1;
+      if (rows == R) {
+        for (int r = 0; r < R; ++r) crow[r] = sums + r * ldS + j0;
+        TileKernel<Isa, R, NV, false>(crow, packedA + static_cast<std::size_t>(j0) * R, R, 0,
+                                      block, NR, 0, NR - 1);
+        if (i0 > m1)
+          TileKernel<Isa, R, NV, false>(crow, packedA + static_cast<std::size_t>(m1) * R, R,
+                                        0, a + PackedAt(m1, j0), m1 + 1, 1, i0 - m1);
+      } else {
+        for (int r = 0; r < rows; ++r) {
+          crow[0] = sums + r * ldS + j0;
+          TileKernel<Isa, 1, NV, false>(crow, packedA + static_cast<std::size_t>(j0) * R + r,
+                                        R, 0, block, NR, 0, NR - 1);
+          if (i0 > m1)
+            TileKernel<Isa, 1, NV, false>(crow,
+                                          packedA + static_cast<std::size_t>(m1) * R + r, R,
+                                          0, a + PackedAt(m1, j0), m1 + 1, 1, i0 - m1);
+        }
+      }
+    }
+    // Columns j0 .. i0-1 left over: rows m = j0 .. i0-1, each over j <= m.
+    for (int m = j0; m < i0; ++m) {
+      const double* xm = a + PackedAt(m, j0);
+      for (int r = 0; r < rows; ++r)
+        Axpy<Isa>(sums + r * ldS + j0, xm, packedA[static_cast<std::size_t>(m) * R + r],
+                  m - j0 + 1);
+    }
+    // The block's own rows, in order, then the row is finished.
+    for (int r = 0; r < rows; ++r) {
+      const int i = i0 + r;
+      double* rowI = a + PackedAt(i, 0);
+      const double lii = rowI[i];
+      if (lii == 0.0) {
+        std::fill(rowI, rowI + i + 1, 0.0);
+        ++zeroRows;
+        continue;
+      }
+      double* sum = sums + r * ldS;
+      for (int m = i0; m < i; ++m) Axpy<Isa>(sum, a + PackedAt(m, 0), rowI[m], m + 1);
+      for (int j = 0; j < i; ++j) rowI[j] = -sum[j] / lii;
+      rowI[i] = 1.0 / lii;
+    }
+  }
+  return zeroRows;
+}
+
+// Blocked M'M in place: out(i, j) = sum_{m=i}^{n-1} M[m,i] M[m,j], j <= i,
+// in that order of m. R output rows at a time: first each row's own part
+// m < mc (mc the block's last row), then the common part m >= mc with
+// register tiles; the tiles crossing the diagonal compute a few lanes past
+// a row's end, which are discarded.
+template <class Isa>
+KX_INLINE void LowerTransLowerBlocked(double* a, int n, double* scratch) {
+  constexpr int R = Isa::kRows;
+  constexpr int NV = Isa::kVecs;
+  constexpr int L = Isa::kLanes;
+  constexpr int NR = NV * L;
+  const std::int64_t ldS = static_cast<std::int64_t>(n) + 2 * NR;
+  double* sums = scratch;
+  double* crow[R];
+  for (int i0 = 0; i0 < n; i0 += R) {
+    const int rows = std::min(R, n - i0);
+    const int mc = i0 + rows - 1;
+    for (int r = 0; r < rows; ++r) {
+      double* sum = sums + r * ldS;
+      std::fill(sum, sum + std::min<std::int64_t>(ldS, i0 + R + 2 * NR), 0.0);
+      const int i = i0 + r;
+      for (int m = i; m < mc; ++m) {
+        const double* rowM = a + PackedAt(m, 0);
+        Axpy<Isa>(sum, rowM, rowM[i], i + 1);
+      }
+    }
+    const std::size_t rowMc = PackedAt(mc, 0);
+    int j0 = 0;
+    for (; j0 + NR <= i0 + 1; j0 += NR) {
+      if (rows == R) {
+        for (int r = 0; r < R; ++r) crow[r] = sums + r * ldS + j0;
+        TileKernel<Isa, R, NV, false>(crow, a + rowMc + i0, mc + 1, 1, a + rowMc + j0,
+                                      mc + 1, 1, n - mc);
+      } else {
+        for (int r = 0; r < rows; ++r) {
+          crow[0] = sums + r * ldS + j0;
+          TileKernel<Isa, 1, NV, false>(crow, a + rowMc + i0 + r, mc + 1, 1, a + rowMc + j0,
+                                        mc + 1, 1, n - mc);
+        }
+      }
+    }
+    // Diagonal-crossing tiles, one vector wide. The reads of rows m < n-1
+    // may run past the row into the next (never past the array for
+    // n >= kLanes); the last row is added on its own.
+    for (; j0 <= mc; j0 += L) {
+      const int count = n - 1 - mc;
+      if (count > 0) {
+        if (rows == R) {
+          for (int r = 0; r < R; ++r) crow[r] = sums + r * ldS + j0;
+          TileKernel<Isa, R, 1, false>(crow, a + rowMc + i0, mc + 1, 1, a + rowMc + j0,
+                                       mc + 1, 1, count);
+        } else {
+          for (int r = 0; r < rows; ++r) {
+            crow[0] = sums + r * ldS + j0;
+            TileKernel<Isa, 1, 1, false>(crow, a + rowMc + i0 + r, mc + 1, 1,
+                                         a + rowMc + j0, mc + 1, 1, count);
+          }
+        }
+      }
+      const double* last = a + PackedAt(n - 1, 0);
+      for (int r = 0; r < rows; ++r) {
+        double* sum = sums + r * ldS;
+        const int jEnd = std::min(j0 + L, i0 + r + 1);
+        for (int j = j0; j < jEnd; ++j) sum[j] = sum[j] + last[i0 + r] * last[j];
+      }
+    }
+    for (int r = 0; r < rows; ++r) {
+      const int i = i0 + r;
+      std::copy(sums + r * ldS, sums + r * ldS + i + 1, a + PackedAt(i, 0));
+    }
+  }
+}
+
 #if KX_FACTOR_DISPATCH
 KX_TARGET("avx512f")
 int CholeskyAvx512(double* a, int n, const double* d, double tol, unsigned char* acc,
@@ -281,6 +447,28 @@ int CholeskyBase(double* a, int n, const double* d, double tol, unsigned char* a
                  int width, double* s) {
   return CholeskyBlocked<IsaBase>(a, n, d, tol, acc, width, s);
 }
+
+#if KX_FACTOR_DISPATCH
+KX_TARGET("avx512f") int InverseAvx512(double* a, int n, double* s) {
+  return LowerInverseBlocked<IsaAvx512>(a, n, s);
+}
+KX_TARGET("avx2") int InverseAvx2(double* a, int n, double* s) {
+  return LowerInverseBlocked<IsaAvx2>(a, n, s);
+}
+KX_TARGET("avx512f") void TransLowerAvx512(double* a, int n, double* s) {
+  LowerTransLowerBlocked<IsaAvx512>(a, n, s);
+}
+KX_TARGET("avx2") void TransLowerAvx2(double* a, int n, double* s) {
+  LowerTransLowerBlocked<IsaAvx2>(a, n, s);
+}
+#endif
+int InverseBase(double* a, int n, double* s) { return LowerInverseBlocked<IsaBase>(a, n, s); }
+void TransLowerBase(double* a, int n, double* s) { LowerTransLowerBlocked<IsaBase>(a, n, s); }
+
+// Scratch sized for the widest tile of any instruction set.
+constexpr int kMaxRows = 8;
+constexpr int kMaxTile = 16;
+constexpr int kBlockedMinOrder = 32;
 
 // The instruction set used by the fast kernels, decided once.
 enum class Isa { kBase, kAvx2, kAvx512 };
@@ -476,8 +664,23 @@ int PackedLowerInversePlain(double* a, int n) {
 }
 
 int PackedLowerInverse(double* a, int n) {
-  // TODO(fast path) replaced below once the blocked form lands.
-  return PackedLowerInversePlain(a, n);
+  if (n < kBlockedMinOrder) return PackedLowerInversePlain(a, n);
+  std::vector<double> scratch;
+  try {
+    scratch.resize(InverseScratchSize(n, kMaxRows, kMaxTile));
+  } catch (const std::bad_alloc&) {
+    return PackedLowerInversePlain(a, n);
+  }
+  switch (ActiveIsa()) {
+#if KX_FACTOR_DISPATCH
+    case Isa::kAvx512:
+      return InverseAvx512(a, n, scratch.data());
+    case Isa::kAvx2:
+      return InverseAvx2(a, n, scratch.data());
+#endif
+    default:
+      return InverseBase(a, n, scratch.data());
+  }
 }
 
 void PackedLowerTransLowerPlain(double* a, int n) {
@@ -491,7 +694,31 @@ void PackedLowerTransLowerPlain(double* a, int n) {
   }
 }
 
-void PackedLowerTransLower(double* a, int n) { PackedLowerTransLowerPlain(a, n); }
+void PackedLowerTransLower(double* a, int n) {
+  if (n < kBlockedMinOrder) {
+    PackedLowerTransLowerPlain(a, n);
+    return;
+  }
+  std::vector<double> scratch;
+  try {
+    scratch.resize(static_cast<std::size_t>(kMaxRows) * (static_cast<std::size_t>(n) + 2 * kMaxTile));
+  } catch (const std::bad_alloc&) {
+    PackedLowerTransLowerPlain(a, n);
+    return;
+  }
+  switch (ActiveIsa()) {
+#if KX_FACTOR_DISPATCH
+    case Isa::kAvx512:
+      TransLowerAvx512(a, n, scratch.data());
+      return;
+    case Isa::kAvx2:
+      TransLowerAvx2(a, n, scratch.data());
+      return;
+#endif
+    default:
+      TransLowerBase(a, n, scratch.data());
+  }
+}
 
 void PackedLowerLowerTrans(double* a, int n) {
   // Rows from the last: row i of M M' needs rows 0..i of M, and within the
