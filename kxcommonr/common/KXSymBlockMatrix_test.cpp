@@ -29,6 +29,13 @@ TEST(KXSymBlockMatrix, ShapeAndBlockAddressing) {
       EXPECT_EQ(b.GetElemSSRef(I, J).AsVector(), std::vector<double>(3, 0.0));
     }
 
+  KXSymBlockMatrix huge;
+  EXPECT_FALSE(huge.SetNRows(2147483647, 1));
+  EXPECT_FALSE(huge.IsValidStruct());
+  KXSymMatrix refused(2);
+  EXPECT_EQ(huge.CopyToSymMatrix(refused), -1);
+  EXPECT_EQ(refused.GetNRows(), 0);
+
   KXSymBlockMatrix empty;
   EXPECT_TRUE(empty.SetNRows(-1, 4));
   EXPECT_TRUE(empty.IsValidStruct());

@@ -55,6 +55,10 @@ TEST(KXSymMatrixStorage, PackedLayoutAndMirroredAccess) {
   EXPECT_FALSE(s.SetElem(6, 1.0));
   EXPECT_FALSE(s.SetElem(-1, 1.0));
   EXPECT_EQ(s.AsVector(), before);
+
+  // Offsets beyond 32 bits (orders from 65536 up).
+  EXPECT_EQ(KXSymMatrixData::PackedIndex(70000, 5), 2450035005u);
+  EXPECT_EQ(KXSymMatrixData::PackedSize(2147483647), 2305843008139952128u);
 }
 
 TEST(KXSymMatrixStorage, ConstructionAndBlocks) {
@@ -144,6 +148,14 @@ TEST(KXSymMatrixStorage, ReshapingKeepsOrClearsAsDocumented) {
     for (int j = 0; j < 3; ++j) EXPECT_EQ(s.GetElem(i, j), d(i, j));
   ASSERT_TRUE(s.SetNRows(4));
   EXPECT_EQ(s.AsVector(), std::vector<double>(10, 0.0));
+  // A resize that cannot be allocated is refused and changes nothing.
+  const std::vector<double> zeros = s.AsVector();
+  EXPECT_FALSE(s.SetNRows(2147483647));
+  EXPECT_FALSE(s.Resize(2147483647));
+  EXPECT_EQ(s.GetNRows(), 4);
+  EXPECT_EQ(s.AsVector(), zeros);
+  EXPECT_FALSE(KXSymMatrix(2147483647).IsValidMatrix());
+  EXPECT_FALSE(KXSymMatrix(65536, 65536).IsValidMatrix());
   ASSERT_TRUE(s.SetNRows(-2));
   EXPECT_EQ(s.GetNRows(), 0);
   EXPECT_TRUE(s.AsVector().empty());
