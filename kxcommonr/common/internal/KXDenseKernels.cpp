@@ -15,6 +15,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <string>
 #include <vector>
 
 #if (defined(__GNUC__) || defined(__clang__)) && (defined(__x86_64__) || defined(__i386__))
@@ -305,9 +306,13 @@ KernelPath SelectPath() {
   return KernelPath::kBaseline;
 }
 
+// Set only by SelectDenseKernelPath (tests); -1 leaves the choice to the
+// processor.
+int gForcedPath = -1;
+
 KernelPath ChosenPath() {
   static const KernelPath path = SelectPath();
-  return path;
+  return gForcedPath < 0 ? path : static_cast<KernelPath>(gForcedPath);
 }
 
 void Run(const MultiplyArgs& args) {
@@ -339,6 +344,32 @@ void PackedLowerAccumulate(int n, int k, StridedView a, double scale, StridedVie
   if (n <= 0 || k <= 0) return;
   MultiplyArgs args{n, n, k, a, scale, scale != 1.0, b, OutputRows{packed, 0}, true};
   Run(args);
+}
+
+bool SelectDenseKernelPath(const char* name) {
+  const std::string wanted = name == nullptr ? "" : name;
+#if defined(KX_DENSE_X86_DISPATCH)
+  __builtin_cpu_init();
+  if (wanted.empty()) {
+    gForcedPath = -1;
+    return true;
+  }
+  if (wanted == "avx512" && __builtin_cpu_supports("avx512f")) {
+    gForcedPath = static_cast<int>(KernelPath::kAvx512);
+    return true;
+  }
+  if (wanted == "avx2" && __builtin_cpu_supports("avx2")) {
+    gForcedPath = static_cast<int>(KernelPath::kAvx2);
+    return true;
+  }
+  if (wanted == "baseline") {
+    gForcedPath = static_cast<int>(KernelPath::kBaseline);
+    return true;
+  }
+  return false;
+#else
+  return wanted.empty() || wanted == "portable";
+#endif
 }
 
 const char* DenseKernelPath() {

@@ -46,6 +46,12 @@ void PackedLowerAccumulate(int n, int k, StridedView a, double scale, StridedVie
 // "baseline" or "portable"), for benchmarks and diagnostics.
 const char* DenseKernelPath();
 
+// For tests: forces the code path named as DenseKernelPath() names it, or
+// restores the processor's choice for an empty name or null. False (nothing
+// changed) when this processor cannot run that path. Not thread-safe: call
+// it only while no other thread uses these kernels.
+bool SelectDenseKernelPath(const char* name);
+
 }  // namespace internal
 }  // namespace KXCommon
 
