@@ -107,10 +107,8 @@ bool AccumulateCrossProducts(const CsvTable& table, const Layout& layout,
   return flush();
 }
 
-}  // namespace
-
-bool FitRegression(const CsvTable& table, const RegressionModel& model, RegressionFit& fit,
-                   FitError& error) {
+// Refuses column indices outside the table and contradictory models.
+bool CheckModel(const CsvTable& table, const RegressionModel& model, FitError& error) {
   const int numColumns = table.NumColumns();
   auto validColumn = [numColumns](int c) { return c >= 0 && c < numColumns; };
   if (!validColumn(model.target)) return Fail(error, FitErrorKind::kBadModel, "no target column");
@@ -118,7 +116,9 @@ bool FitRegression(const CsvTable& table, const RegressionModel& model, Regressi
     return Fail(error, FitErrorKind::kBadModel, "the weight column does not exist");
   }
   for (const int c : model.predictors) {
-    if (!validColumn(c)) return Fail(error, FitErrorKind::kBadModel, "a predictor column does not exist");
+    if (!validColumn(c)) {
+      return Fail(error, FitErrorKind::kBadModel, "a predictor column does not exist");
+    }
     if (c == model.target) {
       return Fail(error, FitErrorKind::kBadModel,
                   "the target '" + table.Names()[static_cast<std::size_t>(c)] +
@@ -126,101 +126,79 @@ bool FitRegression(const CsvTable& table, const RegressionModel& model, Regressi
     }
   }
   if (!(model.tol > 0.0)) return Fail(error, FitErrorKind::kBadModel, "the tolerance must be > 0");
-  if (model.caseBlock < 0) return Fail(error, FitErrorKind::kBadModel, "the case block must be >= 0");
+  if (model.caseBlock < 0) {
+    return Fail(error, FitErrorKind::kBadModel, "the case block must be >= 0");
+  }
   if (model.predictors.empty() && !model.intercept) {
     return Fail(error, FitErrorKind::kBadModel, "a model without intercept needs a predictor");
   }
+  return true;
+}
 
-  const int p = static_cast<int>(model.predictors.size());
-  const int order = p + 1;  // predictors, then the target
-  const std::size_t targetSlot = static_cast<std::size_t>(p);
-  Layout layout;
-  layout.columns = model.predictors;
-  layout.columns.push_back(model.target);
-  layout.weight = model.weight;
-  const std::size_t numRows = table.NumRows();
-
-  RegressionFit result;
-  result.targetName = table.Names()[static_cast<std::size_t>(model.target)];
-  result.intercept = model.intercept;
-  result.weighted = model.weight >= 0;
-  if (result.weighted) result.weightName = table.Names()[static_cast<std::size_t>(model.weight)];
-
-  // Which cases take part, and the sum of their weights.
-  std::vector<double> weights(numRows, 0.0);
+// Sets the weight of every usable case (0 for the others), counts the cases
+// in fit, and returns the weighted sums of the model columns.
+std::vector<double> SelectCases(const CsvTable& table, const Layout& layout,
+                                std::vector<double>& weights, RegressionFit& fit) {
+  const std::size_t order = layout.columns.size();
+  std::vector<double> sum(order, 0.0);
+  weights.assign(table.NumRows(), 0.0);
   double sumWeights = 0.0;
-  for (std::size_t r = 0; r < numRows; ++r) {
+  for (std::size_t r = 0; r < table.NumRows(); ++r) {
+    const double* row = table.Row(r);
     bool skippedForCell = false;
-    const double w = CaseWeight(table.Row(r), layout, skippedForCell);
+    const double w = CaseWeight(row, layout, skippedForCell);
     if (skippedForCell) {
-      ++result.casesSkippedCells;
+      ++fit.casesSkippedCells;
     } else if (!(w > 0.0)) {
-      ++result.casesSkippedWeight;
+      ++fit.casesSkippedWeight;
     } else {
       weights[r] = w;
       sumWeights += w;
-      ++result.casesUsed;
+      ++fit.casesUsed;
+      for (std::size_t k = 0; k < order; ++k) sum[k] += w * row[layout.columns[k]];
     }
   }
-  result.sumWeights = sumWeights;
-  if (result.casesUsed == 0) {
-    std::string message = "no usable cases";
-    if (numRows > 0) {
-      message += " (" + std::to_string(result.casesSkippedCells) +
-                 " with an empty or non-numeric cell";
-      if (result.weighted) {
-        message += ", " + std::to_string(result.casesSkippedWeight) + " with a weight <= 0";
-      }
-      message += ")";
-    } else {
-      message += " (the file has no data rows)";
-    }
-    return Fail(error, FitErrorKind::kNoUsableCases, message);
-  }
-  const int numParameters = p + (model.intercept ? 1 : 0);
-  if (sumWeights < numParameters) {
-    return Fail(error, FitErrorKind::kTooFewCases,
-                "fewer cases (" + CountText(sumWeights) + ") than parameters (" +
-                    std::to_string(numParameters) + ")");
-  }
+  fit.sumWeights = sumWeights;
+  return sum;
+}
 
-  // Weighted means (zero without an intercept, so the same code forms raw
-  // cross-products). A second pass adds the mean of the deviations from the
-  // first estimate, which recovers the digits a plain sum loses.
-  std::vector<double> mean(static_cast<std::size_t>(order), 0.0);
-  if (model.intercept) {
-    for (int correction = 0; correction < 2; ++correction) {
-      std::vector<double> sum(static_cast<std::size_t>(order), 0.0);
-      for (std::size_t r = 0; r < numRows; ++r) {
-        const double w = weights[r];
-        if (w == 0.0) continue;
-        const double* row = table.Row(r);
-        for (std::size_t k = 0; k < sum.size(); ++k) sum[k] += w * (row[layout.columns[k]] - mean[k]);
-      }
-      for (std::size_t k = 0; k < sum.size(); ++k) mean[k] += sum[k] / sumWeights;
-    }
+std::string NoUsableCasesMessage(const RegressionFit& fit, std::size_t numRows) {
+  if (numRows == 0) return "no usable cases (the file has no data rows)";
+  std::string message = "no usable cases (" + std::to_string(fit.casesSkippedCells) +
+                        " with an empty or non-numeric cell";
+  if (fit.weighted) {
+    message += ", " + std::to_string(fit.casesSkippedWeight) + " with a weight <= 0";
   }
+  return message + ")";
+}
 
-  KXSymMatrix cross(order);
-  if (!AccumulateCrossProducts(table, layout, weights, mean, model.caseBlock, cross)) {
-    return Fail(error, FitErrorKind::kLibrary, "the cross-product update refused a case");
+// Refines means from the first pass's sums by the mean deviation from them,
+// which recovers the digits a plain sum of large values loses.
+std::vector<double> WeightedMeans(const CsvTable& table, const Layout& layout,
+                                  const std::vector<double>& weights,
+                                  const std::vector<double>& sum, double sumWeights) {
+  const std::size_t order = layout.columns.size();
+  std::vector<double> mean(order);
+  for (std::size_t k = 0; k < order; ++k) mean[k] = sum[k] / sumWeights;
+  std::vector<double> deviation(order, 0.0);
+  for (std::size_t r = 0; r < table.NumRows(); ++r) {
+    const double w = weights[r];
+    if (w == 0.0) continue;
+    const double* row = table.Row(r);
+    for (std::size_t k = 0; k < order; ++k) deviation[k] += w * (row[layout.columns[k]] - mean[k]);
   }
+  for (std::size_t k = 0; k < order; ++k) mean[k] += deviation[k] / sumWeights;
+  return mean;
+}
 
-  // Sweep the predictors in order; a refused sweep marks an aliased one.
-  std::vector<double> origDiag;
-  cross.GetDiagonal(origDiag);
-  KXBitSet sweptRows(order);
-  for (int j = 0; j < p; ++j) cross.Sweep(j, model.tol, origDiag, sweptRows, true);
-
-  std::vector<double> beta(static_cast<std::size_t>(p), 0.0);
-  for (int j = 0; j < p; ++j) {
-    if (sweptRows.IsIn(j)) beta[static_cast<std::size_t>(j)] = cross.GetElem(p, j);
-  }
-
-  // Residuals from the data.
-  double rss = 0.0;
-  double tss = 0.0;
-  for (std::size_t r = 0; r < numRows; ++r) {
+// Weighted residual and total sums of squares of the centred (or raw) target.
+void ResidualSums(const CsvTable& table, const Layout& layout, const std::vector<double>& weights,
+                  const std::vector<double>& mean, const std::vector<double>& beta, double& rss,
+                  double& tss) {
+  const std::size_t targetSlot = beta.size();
+  rss = 0.0;
+  tss = 0.0;
+  for (std::size_t r = 0; r < table.NumRows(); ++r) {
     const double w = weights[r];
     if (w == 0.0) continue;
     const double* row = table.Row(r);
@@ -233,52 +211,127 @@ bool FitRegression(const CsvTable& table, const RegressionModel& model, Regressi
     rss += w * residual * residual;
     tss += w * y * y;
   }
+}
+
+// Standard error, t value and two-sided p-value of an estimate whose
+// variance is variance * unscaledVariance; missing where undefined.
+void FillInference(Coefficient& c, double variance, double unscaledVariance, double residualDf) {
+  const double missing = KXMV::Missing();
+  c.stdError = missing;
+  c.tValue = missing;
+  c.pValue = missing;
+  if (KXMV::IsMissing(variance) || !(unscaledVariance >= 0.0)) return;
+  c.stdError = std::sqrt(variance * unscaledVariance);
+  if (!(c.stdError > 0.0)) return;
+  c.tValue = c.estimate / c.stdError;
+  const double upper = KXDistFun::SigT(std::fabs(c.tValue), residualDf);
+  if (!KXMV::IsMissing(upper)) c.pValue = 2.0 * upper;
+}
+
+}  // namespace
+
+bool FitRegression(const CsvTable& table, const RegressionModel& model, RegressionFit& fit,
+                   FitError& error) {
+  if (!CheckModel(table, model, error)) return false;
+
+  const int p = static_cast<int>(model.predictors.size());
+  const int order = p + 1;  // predictors, then the target
+  const std::size_t targetSlot = static_cast<std::size_t>(p);
+  Layout layout;
+  layout.columns = model.predictors;
+  layout.columns.push_back(model.target);
+  layout.weight = model.weight;
+  const auto columnName = [&table](int c) { return table.Names()[static_cast<std::size_t>(c)]; };
+
+  RegressionFit result;
+  result.targetName = columnName(model.target);
+  result.intercept = model.intercept;
+  result.weighted = model.weight >= 0;
+  if (result.weighted) result.weightName = columnName(model.weight);
+
+  std::vector<double> weights;
+  const std::vector<double> sums = SelectCases(table, layout, weights, result);
+  const double sumWeights = result.sumWeights;
+  if (result.casesUsed == 0) {
+    return Fail(error, FitErrorKind::kNoUsableCases, NoUsableCasesMessage(result, table.NumRows()));
+  }
+  const int numParameters = p + (model.intercept ? 1 : 0);
+  if (sumWeights < numParameters) {
+    return Fail(error, FitErrorKind::kTooFewCases,
+                "fewer cases (" + CountText(sumWeights) + ") than parameters (" +
+                    std::to_string(numParameters) + ")");
+  }
+  if (!std::isfinite(sumWeights)) {
+    return Fail(error, FitErrorKind::kOverflow, "the sum of the weights overflows");
+  }
+
+  // Without an intercept the means stay 0, so the same code forms raw
+  // cross-products.
+  std::vector<double> mean(static_cast<std::size_t>(order), 0.0);
+  if (model.intercept) mean = WeightedMeans(table, layout, weights, sums, sumWeights);
+
+  KXSymMatrix cross(order);
+  if (!AccumulateCrossProducts(table, layout, weights, mean, model.caseBlock, cross)) {
+    return Fail(error, FitErrorKind::kLibrary, "the cross-product update refused a case");
+  }
+
+  // Sweep the predictors in order; a refused sweep marks an aliased one.
+  std::vector<double> origDiag;
+  cross.GetDiagonal(origDiag);
+  for (int k = 0; k < order; ++k) {
+    if (!std::isfinite(origDiag[static_cast<std::size_t>(k)])) {
+      return Fail(error, FitErrorKind::kOverflow,
+                  "the sums of squares of column '" +
+                      columnName(layout.columns[static_cast<std::size_t>(k)]) +
+                      "' overflow: its values are too large, rescale it");
+    }
+  }
+  KXBitSet sweptRows(order);
+  for (int j = 0; j < p; ++j) cross.Sweep(j, model.tol, origDiag, sweptRows, true);
 
   int rank = 0;
-  for (int j = 0; j < p; ++j) rank += sweptRows.IsIn(j) ? 1 : 0;
+  std::vector<double> beta(static_cast<std::size_t>(p), 0.0);
+  for (int j = 0; j < p; ++j) {
+    if (!sweptRows.IsIn(j)) continue;
+    beta[static_cast<std::size_t>(j)] = cross.GetElem(p, j);
+    ++rank;
+  }
+  double rss = 0.0;
+  double tss = 0.0;
+  ResidualSums(table, layout, weights, mean, beta, rss, tss);
+
   const double residualDf = sumWeights - rank - (model.intercept ? 1 : 0);
   const double missing = KXMV::Missing();
   const double variance = residualDf > 0.0 ? rss / residualDf : missing;
 
-  auto fillInference = [&](Coefficient& c, double unscaledVariance) {
-    c.stdError = missing;
-    c.tValue = missing;
-    c.pValue = missing;
-    if (variance == missing || !(unscaledVariance >= 0.0)) return;
-    c.stdError = std::sqrt(variance * unscaledVariance);
-    if (!(c.stdError > 0.0)) return;
-    c.tValue = c.estimate / c.stdError;
-    const double upper = KXDistFun::SigT(std::fabs(c.tValue), residualDf);
-    if (!KXMV::IsMissing(upper)) c.pValue = 2.0 * upper;
-  };
-
+  // The swept predictor block holds minus the inverse of the predictors'
+  // cross-products: the unscaled covariance of the estimates, negated.
   if (model.intercept) {
     Coefficient c;
     c.term = "(Intercept)";
-    double estimate = mean[targetSlot];
+    c.estimate = mean[targetSlot];
     double quadratic = 0.0;  // mean' (X'X)^-1 mean over the swept predictors
     for (int j = 0; j < p; ++j) {
       if (!sweptRows.IsIn(j)) continue;
       const std::size_t uj = static_cast<std::size_t>(j);
-      estimate -= beta[uj] * mean[uj];
+      c.estimate -= beta[uj] * mean[uj];
       for (int l = 0; l < p; ++l) {
-        if (sweptRows.IsIn(l)) quadratic -= mean[uj] * cross.GetElem(j, l) * mean[static_cast<std::size_t>(l)];
+        if (!sweptRows.IsIn(l)) continue;
+        quadratic -= mean[uj] * cross.GetElem(j, l) * mean[static_cast<std::size_t>(l)];
       }
     }
-    c.estimate = estimate;
-    fillInference(c, 1.0 / sumWeights + quadratic);
+    FillInference(c, variance, 1.0 / sumWeights + quadratic, residualDf);
     result.coefficients.push_back(c);
   }
   for (int j = 0; j < p; ++j) {
     Coefficient c;
-    c.term = table.Names()[static_cast<std::size_t>(model.predictors[static_cast<std::size_t>(j)])];
-    if (!sweptRows.IsIn(j)) {
+    c.term = columnName(model.predictors[static_cast<std::size_t>(j)]);
+    if (sweptRows.IsIn(j)) {
+      c.estimate = beta[static_cast<std::size_t>(j)];
+      FillInference(c, variance, -cross.GetElem(j, j), residualDf);
+    } else {
       c.aliased = true;
       c.estimate = c.stdError = c.tValue = c.pValue = missing;
-    } else {
-      c.estimate = beta[static_cast<std::size_t>(j)];
-      // The swept diagonal holds minus the inverse's diagonal.
-      fillInference(c, -cross.GetElem(j, j));
     }
     result.coefficients.push_back(c);
   }
@@ -287,10 +340,10 @@ bool FitRegression(const CsvTable& table, const RegressionModel& model, Regressi
   result.residualDf = residualDf;
   result.rss = rss;
   result.tss = tss;
-  result.residualSd = variance == missing ? missing : std::sqrt(variance);
+  result.residualSd = KXMV::IsMissing(variance) ? missing : std::sqrt(variance);
   result.rSquared = tss > 0.0 ? 1.0 - rss / tss : missing;
   result.adjRSquared = missing;
-  if (result.rSquared != missing && residualDf > 0.0) {
+  if (!KXMV::IsMissing(result.rSquared) && residualDf > 0.0) {
     const double totalDf = sumWeights - (model.intercept ? 1.0 : 0.0);
     result.adjRSquared = 1.0 - (1.0 - result.rSquared) * totalDf / residualDf;
   }

@@ -93,7 +93,14 @@ struct RegressionFit {
 };
 
 // Ways a fit can fail, each with its message in FitError::message.
-enum class FitErrorKind { kNone, kBadModel, kNoUsableCases, kTooFewCases, kLibrary };
+enum class FitErrorKind {
+  kNone,
+  kBadModel,
+  kNoUsableCases,
+  kTooFewCases,
+  kOverflow,  // sums of squares beyond the range of a double
+  kLibrary,
+};
 
 struct FitError {
   FitErrorKind kind = FitErrorKind::kNone;
@@ -102,8 +109,9 @@ struct FitError {
 
 // Fits the model. Returns true and fills fit; on failure returns false, fills
 // error and leaves fit unchanged. Fails for column indices outside the table,
-// a target among the predictors, tol <= 0, caseBlock < 0, no usable case, or
-// fewer cases (sum of weights) than parameters.
+// a target among the predictors, tol <= 0, caseBlock < 0, no usable case,
+// fewer cases (sum of weights) than parameters, or sums of squares that
+// overflow a double.
 bool FitRegression(const CsvTable& table, const RegressionModel& model, RegressionFit& fit,
                    FitError& error);
 

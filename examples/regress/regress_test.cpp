@@ -251,7 +251,7 @@ TEST(RegressProgram, RefusesBadInputWithOneLineMessages) {
   std::remove(tooFew.c_str());
 }
 
-TEST(RegressProgram, NoUsableCasesAndTooFewCases) {
+TEST(RegressFit, RefusesUnfittableData) {
   CsvTable table;
   std::string error;
   ASSERT_TRUE(table.Parse("y,x,w\n1,,1\n2,abc,1\n3,4,0\n", error)) << error;
@@ -272,6 +272,12 @@ TEST(RegressProgram, NoUsableCasesAndTooFewCases) {
   EXPECT_FALSE(FitRegression(table, model, fit, fitError));
   EXPECT_EQ(fitError.kind, FitErrorKind::kTooFewCases);
   EXPECT_TRUE(fit.coefficients.empty());  // a failed fit leaves the result alone
+
+  // Squares beyond the double range are refused, not reported as aliasing.
+  ASSERT_TRUE(table.Parse("y,x,w\n1,1e200,1\n2,3e200,1\n4,2e200,1\n", error));
+  EXPECT_FALSE(FitRegression(table, model, fit, fitError));
+  EXPECT_EQ(fitError.kind, FitErrorKind::kOverflow);
+  EXPECT_NE(fitError.message.find("column 'x'"), std::string::npos) << fitError.message;
 }
 
 // Norris with whole frequency weights must give the fit of the data with each
