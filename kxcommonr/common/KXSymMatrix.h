@@ -384,7 +384,8 @@ class KXCOMMONR_API KXSymMatrix : public KXSymMatrixData {
   // symmetric matrix. False (out unchanged) when the orders differ; out is
   // reshaped to order n.
   bool ComputeLSLTrans(const KXSymMatrix& T, KXSymMatrix& out) const;
-  // out = S'S = S S (out reshaped to order n). Always true.
+  // out = S'S = S S (out reshaped to order n). False (out unchanged) only
+  // when this matrix's data vector has lost its packed size.
   bool ComputeSTransS(KXSymMatrix& out) const;
   // tr S (0 for an empty matrix).
   double Trace() const;
