@@ -9,6 +9,7 @@
 #include <new>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 #include "kxcommonr/common/KXBitSet.h"
 #include "kxcommonr/common/KXMV.h"
@@ -383,21 +384,23 @@ int KXRectMatrix::ExtractRows(const std::vector<int>& idx, KXRectMatrix& out) co
 
 void KXRectMatrix::Expand(const KXBitSet& keep, bool byRows, KXRectMatrix& out) const {
   const int size = keep.Size();
+  KXRectMatrix result;
   if (byRows) {
-    if (!out.SetNRowsCols(size, nCols)) return;
+    if (!result.SetNRowsCols(size, nCols)) return;
     int next = 0;
     for (int p = 0; p < size && next < nRows; ++p) {
       if (!keep.IsIn(p)) continue;
-      CopyRowToRow(next++, out, p);
+      CopyRowToRow(next++, result, p);
     }
   } else {
-    if (!out.SetNRowsCols(nRows, size)) return;
+    if (!result.SetNRowsCols(nRows, size)) return;
     int next = 0;
     for (int p = 0; p < size && next < nCols; ++p) {
       if (!keep.IsIn(p)) continue;
-      CopyColToCol(next++, out, p);
+      CopyColToCol(next++, result, p);
     }
   }
+  out = std::move(result);
 }
 
 bool KXRectMatrix::ExpandSquare(const KXBitSet& keep, KXRectMatrix& out) const {

@@ -160,13 +160,14 @@ class KXCOMMONR_API KXRectMatrix : public KXRectMatrixData {
   bool CopyRowToRow(int srcRow, KXRectMatrix& dst, int dstRow) const;
   // out becomes the columns (rows) listed in idx, in the order listed
   // (repeats allowed). Returns the number extracted, -1 (out unchanged)
-  // when an index is out of range. out may not be this matrix.
+  // when an index is out of range. out may be this matrix.
   int ExtractColumns(const std::vector<int>& idx, KXRectMatrix& out) const;
   int ExtractRows(const std::vector<int>& idx, KXRectMatrix& out) const;
   // Byrows: out becomes keep.Size() x nCols of zeros with the rows of this
   // matrix placed, in order, at the set positions of keep; otherwise out
   // becomes nRows x keep.Size() with the columns placed likewise. Stops
-  // when this matrix's rows (columns) are used up. out may not be this.
+  // when this matrix's rows (columns) are used up. out may be this matrix.
+  // On allocation failure out is unchanged.
   void Expand(const KXBitSet& keep, bool byRows, KXRectMatrix& out) const;
   // For a square matrix: out becomes keep.Size() square of zeros with
   // element (i, j) placed at (p_i, p_j), p_k the k-th set position of keep.

@@ -7,10 +7,13 @@
 
 #include <cstring>
 #include <random>
+#include <sstream>
+#include <string>
 #include <vector>
 
 #include "kxcommonr/common/KXBitSet.h"
 #include "kxcommonr/common/KXMV.h"
+#include "kxcommonr/common/display/KXComponentDisplay.h"
 
 namespace KXCommon {
 namespace {
@@ -206,6 +209,34 @@ TEST(KXRectMatrixTest, CopiesExtractionAndExpansion) {
   ASSERT_TRUE(m.CopyColToVec(2, v, 6));
   EXPECT_EQ(v.size(), 10u);
   EXPECT_EQ(v[9], m.GetElem(3, 2));
+}
+
+TEST(KXRectMatrixTest, DisplayPrintsShapeAndRows) {
+  std::ostringstream captured;
+  std::ostream* previous = KXComponentDisplay::GetOutStream();
+  KXComponentDisplay::SetOutStream(captured);
+  KXRectMatrix m = FromRows({{1.5, 2}, {3, -4}, {5, 6}});
+  m.Display();
+  m.DisplayF();
+  KXComponentDisplay::SetOutStream(*previous);
+  const std::string text = captured.str();
+  const std::size_t start = text.find("KXRectMatrixData display start");
+  const std::size_t end = text.find("KXRectMatrixData display end");
+  ASSERT_NE(start, std::string::npos);
+  ASSERT_NE(end, std::string::npos);
+  EXPECT_LT(start, end);
+  EXPECT_NE(text.find("The number of rows = 3"), std::string::npos);
+  EXPECT_NE(text.find("The number of columns = 2"), std::string::npos);
+  EXPECT_NE(text.find("  1.5 2 3 -4 5 6"), std::string::npos);
+  const std::size_t fullStart = text.find("KXRectMatrix full matrix display start");
+  const std::size_t row2 = text.find("row 2: ");
+  const std::size_t fullEnd = text.find("KXRectMatrix display end");
+  ASSERT_NE(fullStart, std::string::npos);
+  ASSERT_NE(row2, std::string::npos);
+  ASSERT_NE(fullEnd, std::string::npos);
+  EXPECT_LT(fullStart, row2);
+  EXPECT_LT(row2, fullEnd);
+  EXPECT_NE(text.find("  5 6", row2), std::string::npos);
 }
 
 // Products against plain loops, exactly, over shapes that include 0 and 1
