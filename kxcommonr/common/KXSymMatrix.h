@@ -262,8 +262,9 @@ class KXCOMMONR_API KXSymMatrix : public KXSymMatrixData {
   // returns 0. Otherwise the ridge starts at tol times the largest diagonal
   // magnitude and doubles until the shifted matrix passes; it is then
   // added (changed = true, shift = the ridge) and the number of rows that
-  // failed before is returned. -1 (nothing changed) when tol <= 0 or no
-  // ridge up to the overflow limit succeeds.
+  // failed before is returned. -1 (nothing changed) when tol <= 0, an
+  // element is not finite, or no ridge up to four times the Gershgorin
+  // bound succeeds.
   int TransformToPositiveDefinite(double tol, bool& changed, double& shift);
   // 1 when row `row` is a linear combination of the rows set in mask (its
   // residual pivot after them, by Cholesky of that submatrix, does not

@@ -568,6 +568,15 @@ TEST(KXSymMatrixSolve, ShiftToPositiveDefinite) {
   EXPECT_FALSE(changed);
   EXPECT_EQ(shift, 0.0);
   EXPECT_EQ(s.TransformToPositiveDefinite(0.0, changed, shift), -1);
+  KXSymMatrix bad = s;
+  bad.SetElem(3, 1, std::nan(""));
+  EXPECT_EQ(bad.TransformToPositiveDefinite(1e-8, changed, shift), -1);
+  // The zero matrix needs a ridge of about tol.
+  KXSymMatrix zero(4);
+  EXPECT_EQ(zero.TransformToPositiveDefinite(1e-8, changed, shift), 4);
+  EXPECT_TRUE(changed);
+  EXPECT_GT(shift, 1e-8);
+  EXPECT_LT(shift, 1e-7);
 }
 
 TEST(KXSymMatrixSolve, DependencyChecksAndMasks) {

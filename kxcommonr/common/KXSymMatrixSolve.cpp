@@ -202,10 +202,23 @@ int KXSymMatrix::TransformToPositiveDefinite(double tol, bool& changed, double& 
       shift = 0.0;
       return 0;
     }
+    // A ridge of gershgorin makes every row diagonally dominant with a
+    // margin above its threshold, so the doubling below ends by then (up to
+    // rounding; it gives up at four times that bound). A non-finite bound
+    // means non-finite elements: refused.
+    double gershgorin = 0.0;
+    for (int i = 0; i < nRows; ++i) {
+      double offDiagonal = 0.0;
+      for (int j = 0; j < nRows; ++j)
+        if (j != i) offDiagonal += std::fabs(SymAt(data, i, j));
+      gershgorin = std::max(gershgorin, offDiagonal - data[PackedAt(i, i)] +
+                                            tol * origDiag[static_cast<std::size_t>(i)]);
+    }
+    if (!std::isfinite(gershgorin)) return -1;
     // Double a ridge from tol * scale until the shifted matrix factorises
     // with every pivot accepted.
     double ridge = tol * scale;
-    for (int attempt = 0; attempt < 2100 && std::isfinite(ridge); ++attempt) {
+    for (; ridge <= 4.0 * gershgorin + tol * scale && std::isfinite(ridge); ridge *= 2.0) {
       trial = *this;
       trial.AddToDiagonal(ridge);
       if (trial.LTChol(origDiag, tol, false) == 0) {
@@ -214,7 +227,6 @@ int KXSymMatrix::TransformToPositiveDefinite(double tol, bool& changed, double& 
         shift = ridge;
         return failing;
       }
-      ridge *= 2.0;
     }
     return -1;
   } catch (const std::bad_alloc&) {
