@@ -1,6 +1,8 @@
 #include "kxcommonr/common/internal/VectorKernels.h"
 
 #include <cmath>
+#include <cstdint>
+#include <cstring>
 
 // Runtime dispatch of the unit-stride paths to wide vector units: the loader
 // picks the AVX-512, AVX2 or baseline clone once, inside one portable binary.
@@ -11,6 +13,21 @@
 #define KX_DISPATCH __attribute__((target_clones("avx512f", "avx2", "default")))
 #else
 #define KX_DISPATCH
+#endif
+
+// The summations stay one accumulator in index order; unrolling only cuts
+// the loop overhead around the chain of dependent additions.
+#if defined(__GNUC__) && !defined(__clang__)
+#define KX_UNROLL8 _Pragma("GCC unroll 8")
+#elif defined(__clang__)
+#define KX_UNROLL8 _Pragma("clang loop unroll_count(8)")
+#else
+#define KX_UNROLL8
+#endif
+
+// Generic vector types of GCC and clang: the blocked elementwise loops.
+#if defined(__GNUC__) && !defined(KXCOMMONR_NO_DISPATCH)
+#define KX_VECTOR_TYPES 1
 #endif
 
 namespace KXCommon {
@@ -87,60 +104,139 @@ KX_DISPATCH double ScaledNormUnit(std::ptrdiff_t n, const double* x) {
   } while (0)
   // Until a positive scale exists the divisions below are not defined.
   for (; k < n && !(scale > 0.0); ++k) KX_NORM_STEP(x[k]);
+  // Then in runs: the elements before the next one that raises the scale
+  // keep it, so each of their terms is (|x|/scale)^2, computed side by side
+  // and then added in index order. A zero adds exactly 0 to ssq (>= 1 or
+  // NaN), as skipping it would; a NaN never raises the scale, in both.
   double squares[kNormBlock];
   while (k < n) {
-    const std::ptrdiff_t length = n - k < kNormBlock ? n - k : kNormBlock;
+    const std::ptrdiff_t limit = n - k < kNormBlock ? n - k : kNormBlock;
     const double* block = x + k;
-    // Largest non-NaN magnitude of the block, over independent lanes.
-    double lanes[8] = {0.0, 0.0, 0.0, 0.0, 0.0, 0.0, 0.0, 0.0};
-    std::ptrdiff_t j = 0;
-    for (; j + 8 <= length; j += 8) {
-      for (int l = 0; l < 8; ++l) {
-        const double magnitude = std::fabs(block[j + l]);
-        lanes[l] = magnitude > lanes[l] ? magnitude : lanes[l];
-      }
+    std::ptrdiff_t run = 0;
+    while (run < limit && !(std::fabs(block[run]) > scale)) ++run;
+    for (std::ptrdiff_t j = 0; j < run; ++j) {
+      const double ratio = std::fabs(block[j]) / scale;
+      squares[j] = ratio * ratio;
     }
-    for (; j < length; ++j) {
-      const double magnitude = std::fabs(block[j]);
-      lanes[0] = magnitude > lanes[0] ? magnitude : lanes[0];
+    for (std::ptrdiff_t j = 0; j < run; ++j) ssq += squares[j];
+    if (run < limit) {
+      KX_NORM_STEP(block[run]);  // raises the scale
+      ++run;
     }
-    double blockMax = lanes[0];
-    for (int l = 1; l < 8; ++l) {
-      blockMax = lanes[l] > blockMax ? lanes[l] : blockMax;
-    }
-    if (blockMax > scale) {
-      for (std::ptrdiff_t j = 0; j < length; ++j) KX_NORM_STEP(block[j]);
-    } else {
-      // No element raises the scale: every term is (|x|/scale)^2, computed
-      // side by side, then added in index order. A zero adds exactly 0 to
-      // ssq (>= 1 or NaN), as skipping it would.
-      for (std::ptrdiff_t j = 0; j < length; ++j) {
-        const double ratio = std::fabs(block[j]) / scale;
-        squares[j] = ratio * ratio;
-      }
-      for (std::ptrdiff_t j = 0; j < length; ++j) ssq += squares[j];
-    }
-    k += length;
+    k += run;
   }
 #undef KX_NORM_STEP
   return scale * std::sqrt(ssq);
 }
 
+// True when y starts strictly inside x[0..n): a forward loop then reads
+// elements it has already written, which block processing would not
+// reproduce, so such calls take the plain loop.
+bool StartsInside(const double* x, const double* y, std::ptrdiff_t n) {
+  const std::uintptr_t xa = reinterpret_cast<std::uintptr_t>(x);
+  const std::uintptr_t ya = reinterpret_cast<std::uintptr_t>(y);
+  return ya > xa && ya - xa < static_cast<std::uintptr_t>(n) * sizeof(double);
+}
+
+// True when x[0..n) and y[0..n) share memory without being the same array.
+bool PartlyOverlap(const double* x, const double* y, std::ptrdiff_t n) {
+  return x != y && (StartsInside(x, y, n) || StartsInside(y, x, n));
+}
+
+#if defined(KX_VECTOR_TYPES)
+// Eight doubles at any 8-byte aligned address. The compiler lowers the
+// operations to the widest registers of the clone being compiled.
+typedef double Lanes8 __attribute__((vector_size(64), aligned(8), may_alias));
+#define KX_LOAD8(p) (*reinterpret_cast<const Lanes8*>(p))
+#define KX_STORE8(p, v) (*reinterpret_cast<Lanes8*>(p) = (v))
+
+// Elements to handle one by one before p is aligned to 64 bytes.
+std::ptrdiff_t PeelTo64(const double* p, std::ptrdiff_t n) {
+  const std::uintptr_t misaligned = reinterpret_cast<std::uintptr_t>(p) & 63u;
+  if (misaligned == 0 || (misaligned & 7u) != 0) return 0;
+  const std::ptrdiff_t peel = static_cast<std::ptrdiff_t>((64u - misaligned) / 8u);
+  return peel < n ? peel : n;
+}
+#endif
+
+// Each elementwise kernel: a scalar head until the written array is aligned,
+// blocks of 32 elements (all loads of a block before its stores), a scalar
+// tail. Every element gets exactly the scalar operation, so all paths agree.
 KX_DISPATCH void AxpyUnit(std::ptrdiff_t n, double a, const double* x,
                           double* y) {
-  for (std::ptrdiff_t k = 0; k < n; ++k) y[k] += a * x[k];
+  std::ptrdiff_t k = 0;
+#if defined(KX_VECTOR_TYPES)
+  if (!StartsInside(x, y, n)) {
+    for (const std::ptrdiff_t head = PeelTo64(y, n); k < head; ++k) {
+      y[k] += a * x[k];
+    }
+    for (; k + 32 <= n; k += 32) {
+      const Lanes8 x0 = KX_LOAD8(x + k), x1 = KX_LOAD8(x + k + 8);
+      const Lanes8 x2 = KX_LOAD8(x + k + 16), x3 = KX_LOAD8(x + k + 24);
+      const Lanes8 y0 = KX_LOAD8(y + k), y1 = KX_LOAD8(y + k + 8);
+      const Lanes8 y2 = KX_LOAD8(y + k + 16), y3 = KX_LOAD8(y + k + 24);
+      KX_STORE8(y + k, y0 + a * x0);
+      KX_STORE8(y + k + 8, y1 + a * x1);
+      KX_STORE8(y + k + 16, y2 + a * x2);
+      KX_STORE8(y + k + 24, y3 + a * x3);
+    }
+  }
+#endif
+  for (; k < n; ++k) y[k] += a * x[k];
 }
 
 KX_DISPATCH void ScaleUnit(std::ptrdiff_t n, double a, double* x) {
-  for (std::ptrdiff_t k = 0; k < n; ++k) x[k] *= a;
+  std::ptrdiff_t k = 0;
+#if defined(KX_VECTOR_TYPES)
+  for (const std::ptrdiff_t head = PeelTo64(x, n); k < head; ++k) x[k] *= a;
+  for (; k + 32 <= n; k += 32) {
+    const Lanes8 x0 = KX_LOAD8(x + k), x1 = KX_LOAD8(x + k + 8);
+    const Lanes8 x2 = KX_LOAD8(x + k + 16), x3 = KX_LOAD8(x + k + 24);
+    KX_STORE8(x + k, x0 * a);
+    KX_STORE8(x + k + 8, x1 * a);
+    KX_STORE8(x + k + 16, x2 * a);
+    KX_STORE8(x + k + 24, x3 * a);
+  }
+#endif
+  for (; k < n; ++k) x[k] *= a;
 }
 
-KX_DISPATCH void CopyUnit(std::ptrdiff_t n, const double* x, double* y) {
-  for (std::ptrdiff_t k = 0; k < n; ++k) y[k] = x[k];
+void CopyUnit(std::ptrdiff_t n, const double* x, double* y) {
+  if (StartsInside(x, y, n)) {
+    // y runs ahead inside x: the forward copy repeats the leading elements.
+    for (std::ptrdiff_t k = 0; k < n; ++k) y[k] = x[k];
+    return;
+  }
+  // Otherwise a forward copy equals a move.
+  std::memmove(y, x, static_cast<std::size_t>(n) * sizeof(double));
 }
 
 KX_DISPATCH void SwapUnit(std::ptrdiff_t n, double* x, double* y) {
-  for (std::ptrdiff_t k = 0; k < n; ++k) {
+  std::ptrdiff_t k = 0;
+#if defined(KX_VECTOR_TYPES)
+  if (!PartlyOverlap(x, y, n)) {
+    for (const std::ptrdiff_t head = PeelTo64(y, n); k < head; ++k) {
+      const double held = x[k];
+      x[k] = y[k];
+      y[k] = held;
+    }
+    for (; k + 32 <= n; k += 32) {
+      const Lanes8 x0 = KX_LOAD8(x + k), x1 = KX_LOAD8(x + k + 8);
+      const Lanes8 x2 = KX_LOAD8(x + k + 16), x3 = KX_LOAD8(x + k + 24);
+      const Lanes8 y0 = KX_LOAD8(y + k), y1 = KX_LOAD8(y + k + 8);
+      const Lanes8 y2 = KX_LOAD8(y + k + 16), y3 = KX_LOAD8(y + k + 24);
+      KX_STORE8(x + k, y0);
+      KX_STORE8(x + k + 8, y1);
+      KX_STORE8(x + k + 16, y2);
+      KX_STORE8(x + k + 24, y3);
+      KX_STORE8(y + k, x0);
+      KX_STORE8(y + k + 8, x1);
+      KX_STORE8(y + k + 16, x2);
+      KX_STORE8(y + k + 24, x3);
+    }
+  }
+#endif
+  for (; k < n; ++k) {
     const double held = x[k];
     x[k] = y[k];
     y[k] = held;
@@ -149,7 +245,26 @@ KX_DISPATCH void SwapUnit(std::ptrdiff_t n, double* x, double* y) {
 
 KX_DISPATCH void RotateUnit(std::ptrdiff_t n, double* x, double* y, double c,
                             double s) {
-  for (std::ptrdiff_t k = 0; k < n; ++k) {
+  std::ptrdiff_t k = 0;
+#if defined(KX_VECTOR_TYPES)
+  if (!PartlyOverlap(x, y, n)) {
+    for (const std::ptrdiff_t head = PeelTo64(y, n); k < head; ++k) {
+      const double xk = x[k];
+      const double yk = y[k];
+      x[k] = c * xk + s * yk;
+      y[k] = c * yk - s * xk;
+    }
+    for (; k + 16 <= n; k += 16) {
+      const Lanes8 x0 = KX_LOAD8(x + k), x1 = KX_LOAD8(x + k + 8);
+      const Lanes8 y0 = KX_LOAD8(y + k), y1 = KX_LOAD8(y + k + 8);
+      KX_STORE8(x + k, c * x0 + s * y0);
+      KX_STORE8(x + k + 8, c * x1 + s * y1);
+      KX_STORE8(y + k, c * y0 - s * x0);
+      KX_STORE8(y + k + 8, c * y1 - s * x1);
+    }
+  }
+#endif
+  for (; k < n; ++k) {
     const double xk = x[k];
     const double yk = y[k];
     x[k] = c * xk + s * yk;
@@ -162,6 +277,7 @@ KX_DISPATCH void RotateUnit(std::ptrdiff_t n, double* x, double* y, double c,
 double SumAbs(std::ptrdiff_t n, const double* x, std::ptrdiff_t incx) {
   double sum = 0.0;
   if (incx == 1) {
+    KX_UNROLL8
     for (std::ptrdiff_t k = 0; k < n; ++k) sum += std::fabs(x[k]);
   } else {
     for (std::ptrdiff_t k = 0; k < n; ++k) sum += std::fabs(x[k * incx]);
@@ -172,6 +288,7 @@ double SumAbs(std::ptrdiff_t n, const double* x, std::ptrdiff_t incx) {
 double Sum(std::ptrdiff_t n, const double* x, std::ptrdiff_t incx) {
   double sum = 0.0;
   if (incx == 1) {
+    KX_UNROLL8
     for (std::ptrdiff_t k = 0; k < n; ++k) sum += x[k];
   } else {
     for (std::ptrdiff_t k = 0; k < n; ++k) sum += x[k * incx];
@@ -183,6 +300,7 @@ double Dot(std::ptrdiff_t n, const double* x, std::ptrdiff_t incx,
            const double* y, std::ptrdiff_t incy) {
   double sum = 0.0;
   if (incx == 1 && incy == 1) {
+    KX_UNROLL8
     for (std::ptrdiff_t k = 0; k < n; ++k) sum += x[k] * y[k];
   } else {
     for (std::ptrdiff_t k = 0; k < n; ++k) sum += x[k * incx] * y[k * incy];
