@@ -1,12 +1,11 @@
 // examples/regress/CsvTable.cpp
 #include "examples/regress/CsvTable.h"
 
-#include <cerrno>
 #include <charconv>
 #include <cmath>
-#include <cstdio>
 #include <cstring>
-#include <memory>
+#include <filesystem>
+#include <fstream>
 #include <system_error>
 #include <unordered_set>
 #include <utility>
@@ -253,24 +252,27 @@ bool CsvTable::Parse(std::string_view text, std::string& error) {
 }
 
 bool CsvTable::ReadFile(const std::string& path, std::string& error) {
-  struct FileCloser {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-  };
-  errno = 0;
-  std::unique_ptr<std::FILE, FileCloser> file(std::fopen(path.c_str(), "rb"));
-  if (!file) {
-    const int code = errno;
-    error = "cannot open '" + path + "': " + (code != 0 ? std::strerror(code) : "unknown error");
+  std::ifstream in(path, std::ios::binary);
+  if (!in) {
+    // Name the likely reason without relying on errno, which the streams
+    // need not set.
+    std::error_code code;
+    const std::filesystem::path location(path);
+    const char* reason = "cannot be read";
+    if (!std::filesystem::exists(location, code)) {
+      reason = "no such file";
+    } else if (std::filesystem::is_directory(location, code)) {
+      reason = "is a directory";
+    }
+    error = "cannot open '" + path + "': " + reason;
     return false;
   }
   std::string text;
   char buffer[1 << 16];
-  for (;;) {
-    const std::size_t got = std::fread(buffer, 1, sizeof buffer, file.get());
-    text.append(buffer, got);
-    if (got < sizeof buffer) break;
+  while (in.read(buffer, sizeof buffer) || in.gcount() > 0) {
+    text.append(buffer, static_cast<std::size_t>(in.gcount()));
   }
-  if (std::ferror(file.get())) {
+  if (in.bad()) {
     error = "cannot read '" + path + "'";
     return false;
   }

@@ -115,9 +115,15 @@ std::string ParseArguments(const std::vector<std::string>& args, Options& option
   return std::string();
 }
 
+// The first column names, for messages.
 std::string ColumnList(const CsvTable& table) {
+  constexpr std::size_t kShown = 12;
+  const std::vector<std::string>& names = table.Names();
   std::string list;
-  for (const std::string& name : table.Names()) list += (list.empty() ? "" : ", ") + name;
+  for (std::size_t i = 0; i < names.size() && i < kShown; ++i) {
+    list += (i == 0 ? "" : ", ") + names[i];
+  }
+  if (names.size() > kShown) list += ", ... (" + std::to_string(names.size()) + " in all)";
   return list;
 }
 

@@ -566,6 +566,11 @@ TEST(CsvTable, ReadFileReportsAMissingFile) {
   std::string error;
   EXPECT_FALSE(table.ReadFile(DataPath("does-not-exist.csv"), error));
   EXPECT_NE(error.find("cannot open '"), std::string::npos) << error;
+  EXPECT_NE(error.find("no such file"), std::string::npos) << error;
+  EXPECT_EQ(table.NumColumns(), 0);
+  error.clear();
+  EXPECT_FALSE(table.ReadFile(std::string(KX_TEST_DATA_DIR) + "/examples/data", error));
+  EXPECT_FALSE(error.empty());
   EXPECT_EQ(table.NumColumns(), 0);
 }
 
