@@ -39,18 +39,19 @@ struct Layout {
 };
 
 // The case weight of a row, or a value <= 0 (0 when a cell is missing) when
-// the row cannot take part; sets skippedForCell when a cell is the reason.
+// the row cannot take part; sets skippedForCell when a cell is the reason (a
+// missing or non-finite value, which tables built in memory may hold).
 double CaseWeight(const double* row, const Layout& layout, bool& skippedForCell) {
   skippedForCell = false;
   for (const int column : layout.columns) {
-    if (KXMV::IsMissing(row[column])) {
+    if (KXMV::IsMissing(row[column]) || !std::isfinite(row[column])) {
       skippedForCell = true;
       return 0.0;
     }
   }
   if (layout.weight < 0) return 1.0;
   const double w = row[layout.weight];
-  if (KXMV::IsMissing(w)) {
+  if (KXMV::IsMissing(w) || !std::isfinite(w)) {
     skippedForCell = true;
     return 0.0;
   }

@@ -361,6 +361,39 @@ TEST(RegressFit, BlocksOfCasesGiveTheCaseByCaseFit) {
   EXPECT_EQ(fitError.kind, FitErrorKind::kBadModel);
 }
 
+// With 1 and 2 residual degrees of freedom the t distribution has closed
+// forms: P(|T| > t) = 1 - 2 atan(t) / pi and 1 - t / sqrt(2 + t^2). With one
+// predictor the F test is the square of its t test, with the same p-value.
+TEST(RegressFit, PValuesMatchClosedForms) {
+  const double pi = 3.14159265358979323846;
+  struct Case {
+    const char* csv;
+    double df;
+  };
+  for (const Case& c : {Case{"y,x\n1,1\n2,2.5\n4,3\n", 1.0},
+                        Case{"y,x\n1,1\n2,2.5\n4,3\n3,4.5\n", 2.0}}) {
+    CsvTable table;
+    std::string error;
+    ASSERT_TRUE(table.Parse(c.csv, error)) << error;
+    RegressionModel model;
+    model.target = 0;
+    model.predictors = {1};
+    RegressionFit fit;
+    FitError fitError;
+    ASSERT_TRUE(FitRegression(table, model, fit, fitError)) << fitError.message;
+    ASSERT_EQ(fit.residualDf, c.df);
+    for (const Coefficient& coefficient : fit.coefficients) {
+      const double t = std::fabs(coefficient.tValue);
+      const double expected = c.df == 1.0 ? 1.0 - 2.0 * std::atan(t) / pi
+                                          : 1.0 - t / std::sqrt(2.0 + t * t);
+      EXPECT_NEAR(coefficient.pValue, expected, 1e-13) << coefficient.term << " df " << c.df;
+    }
+    EXPECT_NEAR(fit.fStatistic, fit.coefficients[1].tValue * fit.coefficients[1].tValue,
+                1e-12 * fit.fStatistic);
+    EXPECT_NEAR(fit.fPValue, fit.coefficients[1].pValue, 1e-13);
+  }
+}
+
 // Incomplete cases and non-positive weights are skipped and counted, and the
 // fit is that of the complete cases alone.
 TEST(RegressFit, SkippedCasesLeaveTheFitOfTheRest) {
