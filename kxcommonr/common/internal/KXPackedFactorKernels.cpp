@@ -89,6 +89,25 @@ KX_INLINE void Axpy(double* y, const double* x, double c, std::int64_t count) {
   typedef typename Isa::V V;
   constexpr int L = Isa::kLanes;
   std::int64_t j = 0;
+  for (; j + 4 * L <= count; j += 4 * L) {
+    V y0, y1, y2, y3, x0, x1, x2, x3;
+    LoadU(y0, y + j);
+    LoadU(y1, y + j + L);
+    LoadU(y2, y + j + 2 * L);
+    LoadU(y3, y + j + 3 * L);
+    LoadU(x0, x + j);
+    LoadU(x1, x + j + L);
+    LoadU(x2, x + j + 2 * L);
+    LoadU(x3, x + j + 3 * L);
+    y0 = y0 + c * x0;
+    y1 = y1 + c * x1;
+    y2 = y2 + c * x2;
+    y3 = y3 + c * x3;
+    StoreU<V>(y + j, y0);
+    StoreU<V>(y + j + L, y1);
+    StoreU<V>(y + j + 2 * L, y2);
+    StoreU<V>(y + j + 3 * L, y3);
+  }
   for (; j + 2 * L <= count; j += 2 * L) {
     V y0, y1, x0, x1;
     LoadU(y0, y + j);
@@ -494,7 +513,7 @@ Isa ActiveIsa() {
 // Sweep
 // ---------------------------------------------------------------------------
 
-constexpr int kSweepChunk = 512;
+constexpr int kSweepChunk = 2048;
 
 template <class Isa>
 KX_INLINE void SweepRowChunked(double* a, int n, int k) {
