@@ -1,6 +1,7 @@
 #include "kxcommonr/xml/XMLElement.h"
 
 #include <new>
+#include <typeinfo>
 #include <ostream>
 
 #include "kxcommonr/xml/XMLAttribute.h"
@@ -11,25 +12,41 @@
 namespace KXXML_NAMESPACE {
 
 // Where an element's text goes: appended to a string, or written to a
-// stream (raw or converted to UTF-8). Pieces are gathered and written in one
-// go before each child and at the end, so streaming stays cheap.
+// stream (raw or converted to UTF-8). For a stream the text of a whole
+// subtree of plain elements and text nodes is gathered and written in
+// blocks of about kFlushSize bytes; the block ends only between whole
+// pieces of text, so a multi-byte character never straddles two
+// conversions.
 class XMLElement::Emitter {
  public:
   explicit Emitter(std::string& out) : out_(&out) {}
-  Emitter(std::ostream& os, bool utf8) : os_(&os), utf8_(utf8) {}
+  Emitter(std::ostream& os, bool utf8) : os_(&os), utf8_(utf8) {
+    pending_.reserve(kFlushSize + kFlushSize / 4);
+  }
   Emitter(const Emitter&) = delete;
   Emitter& operator=(const Emitter&) = delete;
   ~Emitter() { Flush(); }
 
   std::string& Pending() { return out_ != nullptr ? *out_ : pending_; }
 
+  // Writes `child`: plain elements and text nodes join the gathered text;
+  // any other node (a class of the caller's, which may write itself its own
+  // way) gets the stream after what was gathered so far.
   void Child(const XMLInterface& child, ExportFormat& format) {
-    if (out_ != nullptr) {
+    if (typeid(child) == typeid(XMLElement)) {
+      static_cast<const XMLElement&>(child).Serialize(*this, format);
+    } else if (out_ != nullptr) {
       child.ToString(*out_, format);
+    } else if (typeid(child) == typeid(XMLString)) {
+      child.ToString(pending_, format);
     } else {
       Flush();
       child.ToStream(*os_, format, utf8_);
     }
+  }
+
+  void FlushIfLarge() {
+    if (pending_.size() >= kFlushSize) Flush();
   }
 
   void Flush() {
@@ -43,6 +60,9 @@ class XMLElement::Emitter {
   }
 
  private:
+  // Small enough to stay a plain heap block (no page mapping per write).
+  static constexpr std::size_t kFlushSize = 16 * 1024;
+
   std::string* out_ = nullptr;
   std::ostream* os_ = nullptr;
   bool utf8_ = false;
@@ -152,7 +172,7 @@ int XMLElement::Serialize(Emitter& emitter, ExportFormat& format) const {
     format.SetLevel(level);
     // The flags as the last child left them: after a text child the closing
     // tag stays on the text's line.
-    std::string& tail = emitter.Pending();
+    std::string& tail = emitter.Pending();  // the same buffer, maybe flushed
     if (format.IsNewParagraph()) tail += '\n';
     if (format.HasIndentation()) detail::AppendTabs(tail, level);
     tail += "</";
@@ -164,6 +184,7 @@ int XMLElement::Serialize(Emitter& emitter, ExportFormat& format) const {
 
   format.SetIsNewParagraph(true);
   format.SetIndentation(true);
+  emitter.FlushIfLarge();
   return 0;
 }
 

@@ -29,8 +29,8 @@ class KXCOMMONR_API XMLInterface {
   virtual int ToString(std::string& out, ExportFormat& format) const = 0;
 
   // Writes the node's text to `os`: this base version builds it with
-  // ToString and writes it through WriteUTF when `utf8` is true, else byte
-  // by byte. The stream's state is not checked. Returns 0.
+  // ToString and writes it through WriteUTF when `utf8` is true, else
+  // unchanged. The stream's state is not checked. Returns 0.
   virtual int ToStream(std::ostream& os, ExportFormat& format, bool utf8) const;
 
  protected:

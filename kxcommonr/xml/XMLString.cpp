@@ -15,7 +15,7 @@ XMLString* XMLString::Create(const std::string& text) {
 }
 
 int XMLString::ToString(std::string& out, ExportFormat& format) const {
-  out += detail::EscapeText(fsText);
+  detail::AppendEscapedText(out, fsText);
   format.SetIsNewParagraph(false);
   format.SetIndentation(false);
   return 0;

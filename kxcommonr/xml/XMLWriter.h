@@ -62,7 +62,7 @@ KXCOMMONR_API int WriteTreeUTF8(std::ostream& os, const XMLDocType* docType,
 // Writes the bytes of `text` unchanged. Returns 0 (the stream is not checked).
 KXCOMMONR_API int Write(std::ostream& os, const std::string& text);
 
-// Writes `text`, taken to be in the system code page, as UTF-8, byte by byte.
+// Writes `text`, taken to be in the system code page, as UTF-8.
 // Returns 0 (the stream is not checked).
 KXCOMMONR_API int WriteUTF(std::ostream& os, const std::string& text);
 

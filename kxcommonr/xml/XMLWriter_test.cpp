@@ -290,6 +290,28 @@ TEST(XMLWriteUTFTest, ConvertsFromTheLocaleCharacterSet) {
   }
 }
 
+TEST(XMLWriteUTFTest, LargeTreesStreamTheSameCharactersAsToString) {
+  CharacterSetScope utf8("C.UTF-8");
+  if (!utf8.active()) GTEST_SKIP() << "C.UTF-8 not available";
+  // Far more text than one block of streamed output, with two-byte
+  // characters everywhere, so block ends fall next to them: a character cut
+  // in two would come out as U+FFFD.
+  std::unique_ptr<XMLElement> root(XMLElement::Create("R"));
+  for (int i = 0; i < 3000; ++i) {
+    XMLElement* row = XMLElement::Create("\xC3\xA9");
+    row->AddAttribute("v", std::string(static_cast<std::size_t>(i % 7), 'x') + "\xC3\xA9");
+    row->AddText(XMLString::Create("\xC3\xA9\xC3\xA9"));
+    root->AddElement(row);
+  }
+  ExportFormat format;
+  std::string built;
+  root->ToString(built, format);
+  ASSERT_GT(built.size(), 64000u);
+  const std::string declaration = "<?xml version=\"1.0\" encoding=\"UTF-8\" ?>\n";
+  EXPECT_EQ(WriteToString(nullptr, *root, true, true), declaration + built);
+  EXPECT_EQ(WriteToString(nullptr, *root, true, false), declaration + built);
+}
+
 TEST(XMLWriteUTFTest, TreeWrittenAsUtf8IsWellFormed) {
   CharacterSetScope latin1("C");
   std::unique_ptr<XMLElement> root(XMLElement::Create("R"));

@@ -9,61 +9,60 @@ namespace {
 constexpr const char kSpaceReference[] = "&#32;";
 }  // namespace
 
-std::string EscapeAttributeValue(const std::string& value) {
-  std::string escaped;
-  escaped.reserve(value.size() + 8);
+void AppendEscapedAttributeValue(std::string& out, const std::string& value) {
+  const std::size_t begin = out.size();
   const std::size_t length = value.size();
   for (std::size_t i = 0; i < length; ++i) {
     const char c = value[i];
     switch (c) {
-      case '&': escaped += "&amp;"; break;
-      case '<': escaped += "&lt;"; break;
-      case '>': escaped += "&gt;"; break;
-      case '"': escaped += "&quot;"; break;
-      case '\t': escaped += "&#9;"; break;
-      case '\n': escaped += "&#10;"; break;
-      case '\r': escaped += "&#13;"; break;
+      case '&': out += "&amp;"; break;
+      case '<': out += "&lt;"; break;
+      case '>': out += "&gt;"; break;
+      case '"': out += "&quot;"; break;
+      case '\t': out += "&#9;"; break;
+      case '\n': out += "&#10;"; break;
+      case '\r': out += "&#13;"; break;
       case ' ':
         // None of the entities above holds a blank, so runs of blanks are
         // those of the value: each pair becomes a blank and a reference.
+        out += ' ';
         if (i + 1 < length && value[i + 1] == ' ') {
-          escaped += ' ';
-          escaped += kSpaceReference;
+          out += kSpaceReference;
           ++i;
-        } else {
-          escaped += ' ';
         }
         break;
-      default: escaped += c; break;
+      default: out += c; break;
     }
   }
-  if (!escaped.empty()) {
-    if (escaped.front() == ' ') escaped.replace(0, 1, kSpaceReference);
-    if (escaped.back() == ' ') escaped.replace(escaped.size() - 1, 1, kSpaceReference);
+  if (out.size() > begin) {
+    if (out[begin] == ' ') out.replace(begin, 1, kSpaceReference);
+    if (out.back() == ' ') out.replace(out.size() - 1, 1, kSpaceReference);
   }
+}
+
+std::string EscapeAttributeValue(const std::string& value) {
+  std::string escaped;
+  AppendEscapedAttributeValue(escaped, value);
   return escaped;
 }
 
-std::string EscapeText(const std::string& text) {
-  std::string escaped;
-  escaped.reserve(text.size());
+void AppendEscapedText(std::string& out, const std::string& text) {
   for (char c : text) {
     if (c == '&') {
-      escaped += "&amp;";
+      out += "&amp;";
     } else if (c == '<') {
-      escaped += "&lt;";
+      out += "&lt;";
     } else {
-      escaped += c;
+      out += c;
     }
   }
-  return escaped;
 }
 
 void AppendAttribute(std::string& out, const std::string& name,
                      const std::string& value) {
   out += name;
   out += "=\"";
-  out += EscapeAttributeValue(value);
+  AppendEscapedAttributeValue(out, value);
   out += '"';
 }
 
@@ -72,7 +71,7 @@ void AppendTabs(std::string& out, int count) {
 }
 
 void PutBytes(std::ostream& os, const std::string& bytes) {
-  for (char c : bytes) os.put(c);
+  os.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
 }
 
 }  // namespace detail
