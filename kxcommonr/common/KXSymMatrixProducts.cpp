@@ -86,6 +86,16 @@ double QuadraticForm(const double* packed, std::size_t n, const double* v,
 
 bool IsNegativeOrNaN(double x) { return !(x >= 0.0); }
 
+// Where a product vector is formed: directly in out (its capacity reused)
+// unless out is also the input, then in scratch that is swapped in after.
+std::vector<double>& ResultBuffer(const std::vector<double>& input,
+                                  std::vector<double>& out,
+                                  std::vector<double>& scratch, std::size_t n) {
+  std::vector<double>& target = &out == &input ? scratch : out;
+  target.assign(n, 0.0);
+  return target;
+}
+
 }  // namespace
 
 // ---------------------------------------------------------------- updates
@@ -265,7 +275,8 @@ bool KXSymMatrix::ComputeSV(int k, const std::vector<double>& v,
   // out[i] = sum over j of a_ij v_j in index order: row i's stored part
   // (j <= i) is summed when row i is reached, the terms j > i arrive from
   // the later rows in increasing j.
-  std::vector<double> result(n, 0.0);
+  std::vector<double> scratch;
+  std::vector<double>& result = ResultBuffer(v, out, scratch, n);
   const double* packed = data.data();
   for (std::size_t i = 0; i < n; ++i) {
     const double* stored = packed + i * (i + 1) / 2;
@@ -275,7 +286,7 @@ bool KXSymMatrix::ComputeSV(int k, const std::vector<double>& v,
     const double vi = v[i];
     for (std::size_t j = 0; j < i; ++j) result[j] += stored[j] * vi;
   }
-  out.swap(result);
+  if (&result == &scratch) out.swap(scratch);
   return true;
 }
 
@@ -322,14 +333,15 @@ bool KXSymMatrix::ComputeLV(const std::vector<double>& v,
   if (!HasConsistentData() || v.size() != static_cast<std::size_t>(nRows))
     return false;
   const std::size_t n = v.size();
-  std::vector<double> result(n);
+  std::vector<double> scratch;
+  std::vector<double>& result = ResultBuffer(v, out, scratch, n);
   for (std::size_t i = 0; i < n; ++i) {
     const double* stored = data.data() + i * (i + 1) / 2;
     double sum = 0.0;
     for (std::size_t j = 0; j <= i; ++j) sum += stored[j] * v[j];
     result[i] = sum;
   }
-  out.swap(result);
+  if (&result == &scratch) out.swap(scratch);
   return true;
 }
 
@@ -339,13 +351,14 @@ bool KXSymMatrix::ComputeLTransV(const std::vector<double>& v,
     return false;
   const std::size_t n = v.size();
   // (L'v)_j = sum over i >= j of l_ij v_i, accumulated in increasing i.
-  std::vector<double> result(n, 0.0);
+  std::vector<double> scratch;
+  std::vector<double>& result = ResultBuffer(v, out, scratch, n);
   for (std::size_t i = 0; i < n; ++i) {
     const double* stored = data.data() + i * (i + 1) / 2;
     const double vi = v[i];
     for (std::size_t j = 0; j <= i; ++j) result[j] += stored[j] * vi;
   }
-  out.swap(result);
+  if (&result == &scratch) out.swap(scratch);
   return true;
 }
 

@@ -223,6 +223,13 @@ TEST(KXSymMatrixProducts, VectorProductsAgainstDense) {
       EXPECT_NEAR(ltv[i], upper, tol);
       EXPECT_NEAR(s.ComputeRVD(i, v, 1), full, tol);
     }
+    // The input vector may also receive the result.
+    std::vector<double> inPlace = v;
+    ASSERT_TRUE(s.ComputeSV(inPlace, inPlace));
+    EXPECT_EQ(inPlace, sv);
+    inPlace = v;
+    ASSERT_TRUE(s.ComputeLTransV(inPlace, inPlace));
+    EXPECT_EQ(inPlace, ltv);
     if (n < 2) continue;
     // Leading block product, strided row product, row dot products.
     std::vector<double> lead;
