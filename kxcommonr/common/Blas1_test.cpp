@@ -52,8 +52,10 @@ double ScaledNormReference(int n, const double* x, int inc) {
     const double value = x[static_cast<std::ptrdiff_t>(k) * inc];
     if (value != 0.0) {
       const double a = std::fabs(value);
+      // SSQ = ONE + SSQ*(SCALE/ABSXI)**2 and SSQ = SSQ + (ABSXI/SCALE)**2.
       if (scale < a) {
-        ssq = 1.0 + ssq * (scale / a) * (scale / a);
+        const double square = (scale / a) * (scale / a);
+        ssq = 1.0 + ssq * square;
         scale = a;
       } else {
         ssq += (a / scale) * (a / scale);
