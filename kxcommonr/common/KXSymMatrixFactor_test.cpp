@@ -298,10 +298,17 @@ TEST_F(KernelLevels, ChunkedSweepMatchesPlainBitForBit) {
   namespace in = KXCommon::internal;
   for (int level : Levels()) {
     in::SetKernelLevel(level);
-    for (int n : {1, 2, 9, 64, 530}) {
-      std::vector<double> plain = kxtesting::ToSym(RandomSpd(n, 7u + n)).GetData();
+    for (int n : {1, 2, 9, 64, 530, 2100}) {
+      // Diagonally dominant, so every sweep has a healthy pivot.
+      Dense a = kxtesting::RandomSymmetric(n, 7u + n);
+      for (int i = 0; i < n; ++i) a(i, i) += n;
+      std::vector<double> plain = kxtesting::ToSym(a).GetData();
       std::vector<double> fast = plain;
-      for (int k : {0, n / 2, n - 1, n / 3}) {
+      // Even k visits the rows upwards, odd k downwards; above 2048 rows
+      // the columns go in several chunks.
+      const std::vector<int> ks =
+          n > 1000 ? std::vector<int>{n - 1, n / 2} : std::vector<int>{0, n / 2, n - 1, n / 3, (n / 3) | 1};
+      for (int k : ks) {
         in::PackedSweepRowPlain(plain.data(), n, k);
         in::PackedSweepRow(fast.data(), n, k);
       }

@@ -515,31 +515,60 @@ Isa ActiveIsa() {
 
 constexpr int kSweepChunk = 2048;
 
+// Adds c * column to row i of the triangle over the chunk's columns
+// [j0, min(j1, i+1)), skipping column k.
+template <class Isa>
+KX_INLINE void SweepUpdateRow(double* a, int i, int k, int j0, int j1, double c,
+                              const double* column) {
+  double* row = a + PackedAt(i, 0);
+  const int jEnd = std::min(j1, i + 1);
+  if (k >= j0 && k < jEnd) {
+    Axpy<Isa>(row + j0, column, c, k - j0);
+    Axpy<Isa>(row + k + 1, column + (k + 1 - j0), c, jEnd - k - 1);
+  } else {
+    Axpy<Isa>(row + j0, column, c, jEnd - j0);
+  }
+}
+
+// The rows are visited upwards for an even k and downwards for an odd k:
+// a caller sweeping k = 0, 1, 2, ... then starts each sweep on the rows the
+// previous one touched last, which are still in cache. (Each element gets
+// the same operations whatever the order.)
 template <class Isa>
 KX_INLINE void SweepRowChunked(double* a, int n, int k) {
   const std::size_t rowK = PackedAt(k, 0);
   const double d = a[rowK + k];
   const double absD = std::fabs(d);
   const bool negate = -1.0 / d < 0.0;
+  const bool downwards = (k & 1) != 0;
   double column[kSweepChunk];  // rescaled a_jk for the columns of one chunk
-  for (int j0 = 0; j0 < n; j0 += kSweepChunk) {
-    const int j1 = std::min(n, j0 + kSweepChunk);
-    for (int j = j0; j < j1; ++j) {
-      const double old = j < k ? a[rowK + j] : (j > k ? a[PackedAt(j, k)] : 0.0);
-      column[j - j0] = old / absD;
-    }
-    for (int i = j0; i < n; ++i) {
+  auto oldColumnValue = [&](int i) { return i < k ? a[rowK + i] : a[PackedAt(i, k)]; };
+  if (n <= kSweepChunk) {
+    // One chunk: each row's element of column k is rescaled right after the
+    // row is updated (nothing later reads its old value).
+    for (int j = 0; j < n; ++j) column[j] = j == k ? 0.0 : oldColumnValue(j) / absD;
+    for (int step = 0; step < n; ++step) {
+      const int i = downwards ? n - 1 - step : step;
       if (i == k) continue;
-      const double old = i < k ? a[rowK + i] : a[PackedAt(i, k)];
-      const double c = negate ? -old : old;
-      double* row = a + PackedAt(i, 0);
-      const int jEnd = std::min(j1, i + 1);
-      if (k >= j0 && k < jEnd) {
-        Axpy<Isa>(row + j0, column, c, k - j0);
-        Axpy<Isa>(row + k + 1, column + (k + 1 - j0), c, jEnd - k - 1);
-      } else {
-        Axpy<Isa>(row + j0, column, c, jEnd - j0);
-      }
+      const double old = oldColumnValue(i);
+      SweepUpdateRow<Isa>(a, i, k, 0, n, negate ? -old : old, column);
+      if (i > k) a[PackedAt(i, k)] = column[i];
+    }
+    for (int j = 0; j < k; ++j) a[rowK + j] = column[j];
+    a[rowK + k] = -1.0 / d;
+    return;
+  }
+  const int chunks = (n + kSweepChunk - 1) / kSweepChunk;
+  for (int chunkStep = 0; chunkStep < chunks; ++chunkStep) {
+    const int chunk = downwards ? chunks - 1 - chunkStep : chunkStep;
+    const int j0 = chunk * kSweepChunk;
+    const int j1 = std::min(n, j0 + kSweepChunk);
+    for (int j = j0; j < j1; ++j) column[j - j0] = j == k ? 0.0 : oldColumnValue(j) / absD;
+    for (int step = 0; step < n - j0; ++step) {
+      const int i = downwards ? n - 1 - step : j0 + step;
+      if (i == k) continue;
+      const double old = oldColumnValue(i);
+      SweepUpdateRow<Isa>(a, i, k, j0, j1, negate ? -old : old, column);
     }
   }
   for (int j = 0; j < k; ++j) a[rowK + j] = a[rowK + j] / absD;
