@@ -18,10 +18,12 @@
 #include <string>
 #include <vector>
 
-#if (defined(__GNUC__) || defined(__clang__)) && (defined(__x86_64__) || defined(__i386__))
+// KX_DENSE_PORTABLE_ONLY builds the plain scalar path alone (as for a
+// compiler without GNU vector extensions), to test it.
+#if (defined(__GNUC__) || defined(__clang__)) && !defined(KX_DENSE_PORTABLE_ONLY)
+#if defined(__x86_64__) || defined(__i386__)
 #define KX_DENSE_X86_DISPATCH 1
 #endif
-#if defined(__GNUC__) || defined(__clang__)
 #define KX_DENSE_VECTOR_EXT 1
 #define KX_DENSE_INLINE inline __attribute__((always_inline))
 #else
@@ -37,11 +39,13 @@ constexpr int kSlabDepth = 256;    // KC: depth of a packed slab
 constexpr int kRowBlock = 96;      // MC: rows of a per packed block (multiple of every MR)
 constexpr int kColBlock = 512;     // NC: columns of b per packed block (multiple of every NR)
 constexpr int kNarrowTriangle = 128;  // below this order a triangle uses narrower tiles
+constexpr int kStagedTriangle = 512;  // up to this order a triangle is staged in a square
 
 // Per-thread packing buffers, 64-byte aligned, grown on demand.
 struct PackBuffers {
   std::vector<double> aStore;
   std::vector<double> bStore;
+  std::vector<double> stageStore;
   static double* Aligned(std::vector<double>& store, std::size_t count) {
     if (store.size() < count + 8) store.resize(count + 8);
     const std::uintptr_t address = reinterpret_cast<std::uintptr_t>(store.data());
@@ -60,25 +64,28 @@ PackBuffers& ThreadBuffers() {
 template <int MR>
 KX_DENSE_INLINE void PackA(const StridedView& a, int i0, int mc, int p0, int kc, double scale,
                            bool scaled, double* out) {
-  for (int ir = 0; ir < mc; ir += MR) {
-    const int rows = mc - ir < MR ? mc - ir : MR;
-    double* panel = out + static_cast<std::ptrdiff_t>(ir) * kc;
-    if (a.rowStride == 1) {
-      // The rows of a panel are contiguous for each p (a transposed view,
-      // as for a block of cases): copy them a p at a time.
-      for (int p = 0; p < kc; ++p) {
-        const double* src = a.base + static_cast<std::ptrdiff_t>(i0 + ir) +
-                            static_cast<std::ptrdiff_t>(p0 + p) * a.colStride;
-        double* dst = panel + static_cast<std::ptrdiff_t>(p) * MR;
+  if (a.rowStride == 1) {
+    // For each p the rows are contiguous in memory (a transposed view, as
+    // for a block of cases): stream through the p's once, filling every
+    // panel from each.
+    for (int p = 0; p < kc; ++p) {
+      const double* src = a.base + static_cast<std::ptrdiff_t>(i0) + static_cast<std::ptrdiff_t>(p0 + p) * a.colStride;
+      for (int ir = 0; ir < mc; ir += MR) {
+        const int rows = mc - ir < MR ? mc - ir : MR;
+        double* dst = out + static_cast<std::ptrdiff_t>(ir) * kc + static_cast<std::ptrdiff_t>(p) * MR;
         if (scaled) {
-          for (int r = 0; r < rows; ++r) dst[r] = src[r] * scale;
+          for (int r = 0; r < rows; ++r) dst[r] = src[ir + r] * scale;
         } else {
-          for (int r = 0; r < rows; ++r) dst[r] = src[r];
+          for (int r = 0; r < rows; ++r) dst[r] = src[ir + r];
         }
         for (int r = rows; r < MR; ++r) dst[r] = 0.0;
       }
-      continue;
     }
+    return;
+  }
+  for (int ir = 0; ir < mc; ir += MR) {
+    const int rows = mc - ir < MR ? mc - ir : MR;
+    double* panel = out + static_cast<std::ptrdiff_t>(ir) * kc;
     for (int r = 0; r < rows; ++r) {
       const double* src = a.base + static_cast<std::ptrdiff_t>(i0 + ir + r) * a.rowStride +
                           static_cast<std::ptrdiff_t>(p0) * a.colStride;
@@ -95,20 +102,20 @@ KX_DENSE_INLINE void PackA(const StridedView& a, int i0, int mc, int p0, int kc,
 }
 
 // Packs depth p0..p0+kc-1, columns j0..j0+nc-1 of b into NR-column panels:
-// panel q holds, for each p, NR consecutive values b(p, j).
+// panel q holds, for each p, NR consecutive values b(p, j). Streams through
+// the p's once, filling every panel from each.
 template <int NR>
 KX_DENSE_INLINE void PackB(const StridedView& b, int p0, int kc, int j0, int nc, double* out) {
-  for (int jr = 0; jr < nc; jr += NR) {
-    const int cols = nc - jr < NR ? nc - jr : NR;
-    double* panel = out + static_cast<std::ptrdiff_t>(jr) * kc;
-    for (int p = 0; p < kc; ++p) {
-      const double* src = b.base + static_cast<std::ptrdiff_t>(p0 + p) * b.rowStride +
-                          static_cast<std::ptrdiff_t>(j0 + jr) * b.colStride;
-      double* dst = panel + static_cast<std::ptrdiff_t>(p) * NR;
+  for (int p = 0; p < kc; ++p) {
+    const double* src = b.base + static_cast<std::ptrdiff_t>(p0 + p) * b.rowStride +
+                        static_cast<std::ptrdiff_t>(j0) * b.colStride;
+    for (int jr = 0; jr < nc; jr += NR) {
+      const int cols = nc - jr < NR ? nc - jr : NR;
+      double* dst = out + static_cast<std::ptrdiff_t>(jr) * kc + static_cast<std::ptrdiff_t>(p) * NR;
       if (b.colStride == 1) {
-        for (int j = 0; j < cols; ++j) dst[j] = src[j];
+        for (int j = 0; j < cols; ++j) dst[j] = src[jr + j];
       } else {
-        for (int j = 0; j < cols; ++j) dst[j] = src[j * b.colStride];
+        for (int j = 0; j < cols; ++j) dst[j] = src[(jr + j) * b.colStride];
       }
       for (int j = cols; j < NR; ++j) dst[j] = 0.0;
     }
@@ -121,8 +128,10 @@ typedef double Vec8 __attribute__((vector_size(64), aligned(8)));
 typedef double Vec4 __attribute__((vector_size(32), aligned(8)));
 typedef double Vec2 __attribute__((vector_size(16), aligned(8)));
 
-// MR rows x NV vectors of V. rows[r] points at the NR outputs of tile row r.
-template <int MR, int NV, typename V>
+// MR rows x NV vectors of V. rows[r] points at the NR outputs of tile row r;
+// the packed a panel holds APanel values per p (APanel >= MR: a kernel of
+// fewer rows serves the partial last panel).
+template <int MR, int NV, typename V, int APanel>
 KX_DENSE_INLINE void MicroKernel(int kc, const double* ap, const double* bp, double* const* rows) {
   constexpr int W = static_cast<int>(sizeof(V) / sizeof(double));
   constexpr int NR = NV * W;
@@ -135,7 +144,7 @@ KX_DENSE_INLINE void MicroKernel(int kc, const double* ap, const double* bp, dou
     V bv[NV];
 #pragma GCC unroll 4
     for (int v = 0; v < NV; ++v) std::memcpy(&bv[v], bp + p * NR + v * W, sizeof(V));
-    const double* ar = ap + p * MR;
+    const double* ar = ap + p * APanel;
 #pragma GCC unroll 16
     for (int r = 0; r < MR; ++r) {
       const double ascalar = ar[r];
@@ -155,14 +164,14 @@ KX_DENSE_INLINE void MicroKernel(int kc, const double* ap, const double* bp, dou
 #endif
 
 // Scalar micro-kernel for compilers without vector extensions.
-template <int MR, int NR>
+template <int MR, int NR, int APanel>
 inline void ScalarMicroKernel(int kc, const double* ap, const double* bp, double* const* rows) {
   double acc[MR][NR];
   for (int r = 0; r < MR; ++r)
     for (int j = 0; j < NR; ++j) acc[r][j] = rows[r][j];
   for (int p = 0; p < kc; ++p)
     for (int r = 0; r < MR; ++r) {
-      const double ascalar = ap[p * MR + r];
+      const double ascalar = ap[p * APanel + r];
       for (int j = 0; j < NR; ++j) {
         const double product = ascalar * bp[p * NR + j];
         acc[r][j] = acc[r][j] + product;
@@ -182,12 +191,27 @@ struct OutputRows {
   }
 };
 
-// The driver. Kernel::Run(kc, ap, bp, rows) updates an MR x NR tile.
-// lower restricts the outputs to j <= i (a packed triangle).
+// Runs the kernel of the fewest rows (MR, MR/2 or MR/4) that covers mr.
+template <int MR, typename Kernel>
+KX_DENSE_INLINE void RunTile(int mr, int kc, const double* ap, const double* bp, double* const* rows) {
+  if (mr <= MR / 4) {
+    Kernel::template Run<MR / 4>(kc, ap, bp, rows);
+  } else if (mr <= MR / 2) {
+    Kernel::template Run<MR / 2>(kc, ap, bp, rows);
+  } else {
+    Kernel::template Run<MR>(kc, ap, bp, rows);
+  }
+}
+
+// The driver. Kernel::Run<R>(kc, ap, bp, rows) updates R rows of an
+// MR x NR tile (R = MR, MR/2 or MR/4).
+// lower restricts the outputs to j <= i (a packed triangle). padded says
+// that out has room for whole tiles past row m and column n (and above the
+// diagonal), so every tile is updated in place.
 template <int MR, int NR, typename Kernel>
 KX_DENSE_INLINE void BlockedMultiply(int m, int n, int k, const StridedView& a, double scale,
                                      bool scaled, const StridedView& b, const OutputRows& out,
-                                     bool lower) {
+                                     bool lower, bool padded) {
   if (m <= 0 || n <= 0 || k <= 0) return;
   PackBuffers& buffers = ThreadBuffers();
   const int slab = k < kSlabDepth ? k : kSlabDepth;
@@ -220,9 +244,9 @@ KX_DENSE_INLINE void BlockedMultiply(int m, int n, int k, const StridedView& a, 
             const int nr = nc - jr < NR ? nc - jr : NR;
             const double* bp = bPacked + static_cast<std::ptrdiff_t>(jr) * kc;
             const bool crossesDiagonal = lower && j + NR - 1 > i;
-            if (mr == MR && nr == NR && !crossesDiagonal) {
+            if (padded || (mr == MR && nr == NR && !crossesDiagonal)) {
               for (int r = 0; r < MR; ++r) rows[r] = out.Row(i + r) + j;
-              Kernel::Run(kc, ap, bp, rows);
+              RunTile<MR, Kernel>(mr, kc, ap, bp, rows);
               continue;
             }
             // Edge or diagonal tile: through a local copy of the valid outputs.
@@ -233,7 +257,7 @@ KX_DENSE_INLINE void BlockedMultiply(int m, int n, int k, const StridedView& a, 
               const double* src = valid > 0 ? out.Row(i + r) + j : nullptr;
               for (int c = 0; c < NR; ++c) rows[r][c] = c < valid ? src[c] : 0.0;
             }
-            Kernel::Run(kc, ap, bp, rows);
+            RunTile<MR, Kernel>(mr, kc, ap, bp, rows);
             for (int r = 0; r < mr; ++r) {
               int valid = nr;
               if (lower && valid > i + r - j + 1) valid = i + r - j + 1;
@@ -245,6 +269,24 @@ KX_DENSE_INLINE void BlockedMultiply(int m, int n, int k, const StridedView& a, 
       }
     }
   }
+}
+
+// A small packed triangle is staged in a zeroed square of whole tiles,
+// updated there tile by tile without edge cases, and copied back: the
+// values above the diagonal and in the padding are computed and dropped.
+template <int MR, int NR, typename Kernel>
+KX_DENSE_INLINE void StagedTriangle(int n, int k, const StridedView& a, double scale, bool scaled,
+                                    const StridedView& b, double* packed) {
+  const int stride = (n + NR - 1) / NR * NR;
+  const int stageRows = (n + MR - 1) / MR * MR;
+  const std::size_t count = static_cast<std::size_t>(stageRows) * static_cast<std::size_t>(stride);
+  double* stage = PackBuffers::Aligned(ThreadBuffers().stageStore, count);
+  for (std::size_t q = 0; q < count; ++q) stage[q] = 0.0;
+  const double* row = packed;
+  for (int i = 0; i < n; row += i + 1, ++i) std::memcpy(stage + static_cast<std::ptrdiff_t>(i) * stride, row, sizeof(double) * (i + 1));
+  BlockedMultiply<MR, NR, Kernel>(n, n, k, a, scale, scaled, b, OutputRows{stage, stride}, true, true);
+  double* target = packed;
+  for (int i = 0; i < n; target += i + 1, ++i) std::memcpy(target, stage + static_cast<std::ptrdiff_t>(i) * stride, sizeof(double) * (i + 1));
 }
 
 struct MultiplyArgs {
@@ -261,21 +303,27 @@ struct MultiplyArgs {
 template <int MR, int NV, typename V>
 struct VectorKernel {
   static constexpr int kNR = NV * static_cast<int>(sizeof(V) / sizeof(double));
+  template <int R>
   static KX_DENSE_INLINE void Run(int kc, const double* ap, const double* bp, double* const* rows) {
-    MicroKernel<MR, NV, V>(kc, ap, bp, rows);
+    MicroKernel<R, NV, V, MR>(kc, ap, bp, rows);
   }
 };
 
 template <int MR, int NV, typename V>
 KX_DENSE_INLINE void RunVector(const MultiplyArgs& x) {
   typedef VectorKernel<MR, NV, V> K;
-  BlockedMultiply<MR, K::kNR, K>(x.m, x.n, x.k, x.a, x.scale, x.scaled, x.b, x.out, x.lower);
+  if (x.lower && x.n <= kStagedTriangle) {
+    StagedTriangle<MR, K::kNR, K>(x.n, x.k, x.a, x.scale, x.scaled, x.b, x.out.base);
+  } else {
+    BlockedMultiply<MR, K::kNR, K>(x.m, x.n, x.k, x.a, x.scale, x.scaled, x.b, x.out, x.lower, false);
+  }
 }
 #else
 template <int MR, int NR>
 struct ScalarKernel {
+  template <int R>
   static void Run(int kc, const double* ap, const double* bp, double* const* rows) {
-    ScalarMicroKernel<MR, NR>(kc, ap, bp, rows);
+    ScalarMicroKernel<R, NR, MR>(kc, ap, bp, rows);
   }
 };
 #endif
@@ -328,7 +376,7 @@ void Run(const MultiplyArgs& args) { RunVector<4, 2, Vec2>(args); }
 #else
 void Run(const MultiplyArgs& args) {
   BlockedMultiply<4, 4, ScalarKernel<4, 4> >(args.m, args.n, args.k, args.a, args.scale, args.scaled,
-                                             args.b, args.out, args.lower);
+                                             args.b, args.out, args.lower, false);
 }
 #endif
 
