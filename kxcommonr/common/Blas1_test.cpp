@@ -314,6 +314,12 @@ TEST(Blas1Test, IDAMaxReturnsFirstStrictMaximum) {
   EXPECT_EQ(Blas1::IDAMax(3, nanFirst, 1), 1);
   const double nanLater[4] = {1, kNaN, -2, 2};
   EXPECT_EQ(Blas1::IDAMax(4, nanLater, 1), 3);
+  std::vector<double> longNanFirst(300, 2.0);
+  longNanFirst[0] = kNaN;
+  longNanFirst[200] = 9.0;
+  EXPECT_EQ(Blas1::IDAMax(300, longNanFirst.data(), 1), 1);
+  longNanFirst[0] = -9.0;  // the first of two equal maxima
+  EXPECT_EQ(Blas1::IDAMax(300, longNanFirst.data(), 1), 1);
   const double strided[6] = {1, 100, -4, 100, 4, 100};
   EXPECT_EQ(Blas1::IDAMax(3, strided, 2), 2);
 }

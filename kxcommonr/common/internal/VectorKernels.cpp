@@ -35,49 +35,86 @@ namespace internal {
 
 namespace {
 
-// Elements scanned per block by the vectorised maximum searches: small enough
-// to be re-read from the first-level cache.
-constexpr std::ptrdiff_t kMaxBlock = 1024;
-// Independent running maxima, enough to hide the compare latency.
-constexpr int kMaxLanes = 32;
+#if defined(KX_VECTOR_TYPES)
+// Eight doubles at any 8-byte aligned address. The compiler lowers the
+// operations to the widest registers of the clone being compiled.
+typedef double Lanes8 __attribute__((vector_size(64), aligned(8), may_alias));
+#define KX_LOAD8(p) (*reinterpret_cast<const Lanes8*>(p))
+#define KX_STORE8(p, v) (*reinterpret_cast<Lanes8*>(p) = (v))
+// Register-aligned vectors of eight doubles and of their bit patterns.
+typedef double Doubles8 __attribute__((vector_size(64)));
+typedef long long Bits8 __attribute__((vector_size(64)));
+
+// Elements to handle one by one before p is aligned to 64 bytes.
+std::ptrdiff_t PeelTo64(const double* p, std::ptrdiff_t n) {
+  const std::uintptr_t misaligned = reinterpret_cast<std::uintptr_t>(p) & 63u;
+  if (misaligned == 0 || (misaligned & 7u) != 0) return 0;
+  const std::ptrdiff_t peel = static_cast<std::ptrdiff_t>((64u - misaligned) / 8u);
+  return peel < n ? peel : n;
+}
+#endif
+
 // Elements per block of the scaled norm.
 constexpr std::ptrdiff_t kNormBlock = 64;
 
+// One pass with 32 lanes, each keeping its largest magnitude and the first
+// position where it occurred (strict >, so NaNs never enter). The answer is
+// the first position of the overall maximum: the smallest position among
+// the lanes holding that maximum; the scalar tail continues the scan.
 KX_DISPATCH std::ptrdiff_t FirstAbsMaxUnit(std::ptrdiff_t n, const double* x) {
-  double best = std::fabs(x[0]);
+  if (std::isnan(x[0])) return 0;  // nothing compares greater than a NaN
+  double best = -1.0;
   std::ptrdiff_t bestIndex = 0;
-  if (std::isnan(best)) return 0;  // nothing compares greater than a NaN
-  std::ptrdiff_t start = 1;
-  while (start < n) {
-    const std::ptrdiff_t length = n - start < kMaxBlock ? n - start : kMaxBlock;
-    const double* block = x + start;
-    // Largest non-NaN magnitude in the block (a NaN never wins a > test).
-    double lanes[kMaxLanes];
-    for (int l = 0; l < kMaxLanes; ++l) lanes[l] = -1.0;
-    std::ptrdiff_t j = 0;
-    for (; j + kMaxLanes <= length; j += kMaxLanes) {
-      for (int l = 0; l < kMaxLanes; ++l) {
-        const double magnitude = std::fabs(block[j + l]);
-        lanes[l] = magnitude > lanes[l] ? magnitude : lanes[l];
+  std::ptrdiff_t k = 0;
+#if defined(KX_VECTOR_TYPES)
+  if (n >= 64) {
+    const long long magnitudeBits = 0x7FFFFFFFFFFFFFFFLL;
+    const Bits8 absMask = {magnitudeBits, magnitudeBits, magnitudeBits,
+                           magnitudeBits, magnitudeBits, magnitudeBits,
+                           magnitudeBits, magnitudeBits};
+    Doubles8 laneBest[4];
+    Bits8 laneWhere[4];
+    Bits8 position[4];
+    for (int g = 0; g < 4; ++g) {
+      for (int l = 0; l < 8; ++l) {
+        laneBest[g][l] = -1.0;
+        laneWhere[g][l] = 0;
+        position[g][l] = 8 * g + l;
       }
     }
-    for (; j < length; ++j) {
-      const double magnitude = std::fabs(block[j]);
-      lanes[0] = magnitude > lanes[0] ? magnitude : lanes[0];
-    }
-    double blockMax = lanes[0];
-    for (int l = 1; l < kMaxLanes; ++l) {
-      blockMax = lanes[l] > blockMax ? lanes[l] : blockMax;
-    }
-    // The sequential search would end this block at the first element equal
-    // to the block's maximum, if that maximum beats the running one.
-    if (blockMax > best) {
-      for (j = 0; std::fabs(block[j]) != blockMax; ++j) {
+    for (; k + 32 <= n; k += 32) {
+      for (int g = 0; g < 4; ++g) {
+        const Bits8 valueBits = (Bits8)(Doubles8)KX_LOAD8(x + k + 8 * g);
+        const Doubles8 magnitude = (Doubles8)(valueBits & absMask);
+        const Bits8 greater = magnitude > laneBest[g];
+        laneBest[g] = (Doubles8)(((Bits8)magnitude & greater) |
+                                 ((Bits8)laneBest[g] & ~greater));
+        laneWhere[g] = (position[g] & greater) | (laneWhere[g] & ~greater);
+        position[g] += 32;
       }
-      best = blockMax;
-      bestIndex = start + j;
     }
-    start += length;
+    for (int g = 0; g < 4; ++g) {
+      for (int l = 0; l < 8; ++l) {
+        const double value = laneBest[g][l];
+        const std::ptrdiff_t where = static_cast<std::ptrdiff_t>(laneWhere[g][l]);
+        if (value > best || (value == best && where < bestIndex)) {
+          best = value;
+          bestIndex = where;
+        }
+      }
+    }
+  }
+#endif
+  if (k == 0) {
+    best = std::fabs(x[0]);
+    k = 1;
+  }
+  for (; k < n; ++k) {
+    const double magnitude = std::fabs(x[k]);
+    if (magnitude > best) {
+      best = magnitude;
+      bestIndex = k;
+    }
   }
   return bestIndex;
 }
@@ -143,21 +180,6 @@ bool PartlyOverlap(const double* x, const double* y, std::ptrdiff_t n) {
   return x != y && (StartsInside(x, y, n) || StartsInside(y, x, n));
 }
 
-#if defined(KX_VECTOR_TYPES)
-// Eight doubles at any 8-byte aligned address. The compiler lowers the
-// operations to the widest registers of the clone being compiled.
-typedef double Lanes8 __attribute__((vector_size(64), aligned(8), may_alias));
-#define KX_LOAD8(p) (*reinterpret_cast<const Lanes8*>(p))
-#define KX_STORE8(p, v) (*reinterpret_cast<Lanes8*>(p) = (v))
-
-// Elements to handle one by one before p is aligned to 64 bytes.
-std::ptrdiff_t PeelTo64(const double* p, std::ptrdiff_t n) {
-  const std::uintptr_t misaligned = reinterpret_cast<std::uintptr_t>(p) & 63u;
-  if (misaligned == 0 || (misaligned & 7u) != 0) return 0;
-  const std::ptrdiff_t peel = static_cast<std::ptrdiff_t>((64u - misaligned) / 8u);
-  return peel < n ? peel : n;
-}
-#endif
 
 // Each elementwise kernel: a scalar head until the written array is aligned,
 // blocks of 32 elements (all loads of a block before its stores), a scalar
