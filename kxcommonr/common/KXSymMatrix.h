@@ -7,6 +7,9 @@
 // determinants and solves, weighted cross-product updates one case at a time,
 // and products and traces with vectors, symmetric and rectangular matrices.
 //
+// Masks are KXBitSet (included here); KXRectMatrix products need
+// kxcommonr/common/KXRectMatrix.h.
+//
 // Example: weighted cross products of the cases, then a quadratic form.
 //   KXSymMatrix sscp(3);
 //   for (const auto& c : cases) sscp.UpdateXX(c.x, c.weight);
@@ -28,12 +31,12 @@
 
 #include <vector>
 
+#include "kxcommonr/common/KXBitSet.h"
 #include "kxcommonr/common/KXSymMatrixData.h"
 #include "kxcommonr/config.h"
 
 namespace KXCommon {
 
-class KXBitSet;
 class KXRectMatrix;
 
 class KXCOMMONR_API KXSymMatrix : public KXSymMatrixData {
