@@ -136,7 +136,7 @@ class KXCOMMONR_API KXSymMatrix : public KXSymMatrixData {
   // still reproduces A. Later operations skip a zero diagonal of L.
   //
   // Allocation: Sweep never allocates. LTChol allocates one panel of scratch
-  // (about 64 * n doubles) per call and falls back to an unblocked loop
+  // (about 48 * n doubles) per call and falls back to an unblocked loop
   // with identical results when that fails; the inverses allocate one
   // scratch of similar size. Results are the same bit for bit on every
   // machine, whichever vector instructions are used.

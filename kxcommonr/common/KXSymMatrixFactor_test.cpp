@@ -244,6 +244,24 @@ TEST(KXSymMatrixInverse, KnownInversesAndDeterminants) {
   ASSERT_TRUE(ones.ComputeDeterminant(1e-10, det));
   EXPECT_EQ(det[0], 0.0);
   EXPECT_FALSE(KXSymMatrix().ComputeDeterminant(1e-10, det));
+  // The job digits: units = determinant only (factor untouched), tens =
+  // inverse only (det untouched), both.
+  KXSymMatrix factor(2);
+  factor.SetElem(0, 0, 2); factor.SetElem(1, 0, 1); factor.SetElem(1, 1, 4);  // L
+  const std::vector<double> stored = factor.GetData();
+  EXPECT_EQ(factor.LTDetInverse(det, 1), 0);
+  EXPECT_DOUBLE_EQ(det[0], 6.4);  // (2 * 4)^2 = 64
+  EXPECT_EQ(det[1], 1.0);
+  EXPECT_EQ(factor.GetData(), stored);
+  det[0] = det[1] = -7;
+  EXPECT_EQ(factor.LTDetInverse(det, 10), 0);
+  EXPECT_EQ(det[0], -7.0);
+  EXPECT_EQ(factor.GetData(), (std::vector<double>{0.5, -0.125, 0.25}));
+  EXPECT_EQ(factor.LTDetInverse(det, 11), 0);  // inverting L^-1 gives L back
+  EXPECT_EQ(factor.GetData(), stored);
+  EXPECT_DOUBLE_EQ(det[0], 1.5625);  // (0.5 * 0.25)^2 = 0.015625
+  EXPECT_EQ(det[1], -2.0);
+  EXPECT_EQ(factor.LTDetInverse(det, -1), -1);
   EXPECT_FALSE(diag3.ComputeDeterminant(1e-10, nullptr));
   EXPECT_EQ(diag3.LTDetInverse(nullptr, 11), -1);
 }

@@ -193,7 +193,7 @@ inline double AcceptPivot(double s, double threshold, unsigned char* accepted,
   return 0.0;
 }
 
-constexpr int kDefaultPanel = 64;
+constexpr int kDefaultPanel = 48;
 
 // Blocked right-looking factorisation. The panel (columns p0..p1-1 of rows
 // p0..n-1) is copied column-major into scratch, factored there column by

@@ -40,7 +40,7 @@ int PackedCholeskyPlain(double* a, int n, const double* origDiag, double tol,
                         unsigned char* accepted);
 // The same result, bit for bit, by a blocked right-looking factorisation
 // with vectorised register-blocked updates. Allocates one panel of scratch
-// (about 64 * n doubles); if that allocation fails it runs the plain loop.
+// (about 48 * n doubles); if that allocation fails it runs the plain loop.
 int PackedCholesky(double* a, int n, const double* origDiag, double tol,
                    unsigned char* accepted);
 // Cholesky restricted to rows [0, n) using panels of the given width; the
