@@ -165,6 +165,22 @@ std::string BuildModel(const Options& options, const CsvTable& table, Regression
       model.predictors.push_back(column);
     }
   }
+  // A used column without a single number would only show up as "no usable
+  // cases"; name it instead.
+  if (table.NumRows() > 0) {
+    std::vector<int> used = model.predictors;
+    used.push_back(model.target);
+    if (model.weight >= 0) used.push_back(model.weight);
+    for (const int c : used) {
+      if (table.NumericCount(c) == 0) {
+        const std::string& name = table.Names()[static_cast<std::size_t>(c)];
+        return "column '" + name + "' holds no numbers" +
+               (c == model.target && options.target.empty()
+                    ? " (the first column is the default target; choose one with -y)"
+                    : "");
+      }
+    }
+  }
   model.intercept = options.intercept;
   model.tol = options.tol;
   return std::string();

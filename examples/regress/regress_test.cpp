@@ -219,12 +219,16 @@ TEST(RegressProgram, RefusesBadInputWithOneLineMessages) {
   const std::string tooFew = "regress_test_too_few.csv";
   std::ofstream(noUsable) << "y,x\n1,\n,2\nNA,3\n";
   std::ofstream(tooFew) << "y,a,b,c\n1,2,3,4\n2,3,5,7\n";
+  const std::string textColumn = "regress_test_text_column.csv";
+  std::ofstream(textColumn) << "id,y,x\nA,1,2\nB,3,4\nC,4,4\n";
   const std::vector<ErrorCase> cases = {
       {{DataPath("NoSuchFile.csv")}, 1, "cannot open"},
       {{longley, "-x", "x1,x9"}, 1, "unknown column 'x9'"},
       {{longley, "-y", "income"}, 1, "unknown column 'income'"},
       {{longley, "-w", "weights"}, 1, "unknown column 'weights'"},
-      {{noUsable}, 1, "no usable cases (3 with an empty or non-numeric cell)"},
+      {{noUsable, "-x", "x"}, 1, "no usable cases (3 with an empty or non-numeric cell)"},
+      {{textColumn}, 1, "column 'id' holds no numbers (the first column is the default target"},
+      {{textColumn, "-y", "y", "-x", "id"}, 1, "column 'id' holds no numbers"},
       {{tooFew}, 1, "fewer cases (2) than parameters (4)"},
       {{DataPath("NoInt2.csv"), "--no-intercept", "-x", "x1", "-w", "y"}, 1, "weight"},
       {{longley, "--bogus"}, 2, "unknown option '--bogus'"},
@@ -249,6 +253,7 @@ TEST(RegressProgram, RefusesBadInputWithOneLineMessages) {
   EXPECT_EQ(out.rfind("Usage: kxregress", 0), 0u);
   std::remove(noUsable.c_str());
   std::remove(tooFew.c_str());
+  std::remove(textColumn.c_str());
 }
 
 TEST(RegressFit, RefusesUnfittableData) {
