@@ -3,7 +3,8 @@
 // The streaming reader of the object stream written by XMLObj (XMLObj.h).
 // It is not a general XML parser: each call reads one physical line from the
 // file (ParseStartXML reads the three prologue lines), splits it into tokens
-// and checks them against the expected element and attribute names. The caller drives the order, as the object wrote itself:
+// and checks them against the expected element and attribute names. The
+// caller drives the order, as the object wrote itself:
 //
 //   if (!ParseStartObj(in, "KXURandom") || !ParseValue(in, seed) ||
 //       !ParseValue(in, usePortable) || !ParseEndObj(in)) { /* give up */ }
