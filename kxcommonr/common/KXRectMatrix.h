@@ -225,8 +225,10 @@ class KXCOMMONR_API KXRectMatrix : public KXRectMatrixData {
   // Rank and estimability tools (KXRectMatrixRank.cpp)
   // ======================================================================
 
-  // Number of redundant rows (byRows) or columns; nonRedundant is resized
-  // and marks the kept ones. -1 (nonRedundant untouched) when tol < 0.
+  // Number of redundant rows (byRows) or columns; nonRedundant (grown to
+  // the row or column count when shorter) marks the kept ones. -1
+  // (nonRedundant untouched) when tol < 0 or NaN. Norm tolerances below
+  // about 1e-7 sit at the rounding level of the squared cross products.
   int FindRedundancies(double tol, KXBitSet& nonRedundant, bool byRows);
   // The same, with the indices of the kept rows (columns), increasing, in
   // idx. -1 (idx untouched) when tol < 0.
