@@ -33,7 +33,10 @@ int Blas1::I_Min(int a, int b) { return a < b ? a : b; }
 
 double Blas1::DASum(int n, const double* x, int inc) {
   if (n < 1) return 0.0;
-  return internal::SumAbs(n, x, inc);
+  // The stride is taken as positive: a negative one walks forward by its
+  // magnitude, so no element before x is ever read.
+  const std::ptrdiff_t stride = inc < 0 ? -static_cast<std::ptrdiff_t>(inc) : inc;
+  return internal::SumAbs(n, x, stride);
 }
 
 void Blas1::Daxpy(int n, double a, const double* x, int incx, double* y,

@@ -38,8 +38,9 @@ class KXCOMMONR_API Blas1 {
   static int I_Max(int a, int b);
   static int I_Min(int a, int b);
 
-  // sum |x_k| in index order over x[0], x[inc], ... (the stride is used as
-  // given, without the reverse-start rule). 0 for n < 1.
+  // sum |x_k| in index order over x[0], x[|inc|], ... (the stride is taken
+  // as positive: no reverse-start rule, nothing before x is read). 0 for
+  // n < 1.
   static double DASum(int n, const double* x, int inc);
   // y += a * x. Nothing when n < 1 or a == 0. Negative strides supported.
   static void Daxpy(int n, double a, const double* x, int incx, double* y,

@@ -113,6 +113,7 @@ TEST(Blas1Test, SumsAreBitIdenticalToAPlainIndexOrderLoop) {
         double asum = 0.0;
         for (int k = 0; k < n; ++k) asum += std::fabs(x[At(n, incx, k)]);
         EXPECT_TRUE(SameBits(Blas1::DASum(n, x.data(), incx), asum)) << n;
+        EXPECT_TRUE(SameBits(Blas1::DASum(n, x.data(), -incx), asum)) << n;
       }
     }
   }

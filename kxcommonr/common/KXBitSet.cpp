@@ -146,7 +146,7 @@ int KXBitSet::InSet() const {
   return count;
 }
 
-KXBitSet KXBitSet::GetSubset(int first, int last) {
+KXBitSet KXBitSet::GetSubset(int first, int last) const {
   first = std::max(first, 0);
   last = std::min(last, fSize - 1);
   if (first > last) return KXBitSet();

@@ -68,7 +68,7 @@ class KXCOMMONR_API KXBitSet {
   int InSet() const;
   // Bits first..last as a new set, after raising first to 0 and lowering last
   // to Size()-1; an empty set when then first > last. This set is unchanged.
-  KXBitSet GetSubset(int first, int last);
+  KXBitSet GetSubset(int first, int last) const;
 
   // Flips every bit.
   void Negate();
