@@ -10,8 +10,8 @@
 // dsyrk_ on blocks of cases, and dpotrf_/dpotrs_/dpotri_ for coefficients and
 // the inverse's diagonal. Report ours/peer from the same run.
 //
-// CSV: parsing N x 20 numbers of CSV text (bytes per second), against a plain
-// strtod loop over the same text.
+// CSV: parsing N x 20 numbers of CSV text (bytes per second), from memory and
+// from a file, against a plain strtod loop over the same text.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
@@ -19,6 +19,8 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -263,7 +265,35 @@ void BM_CsvStrtodLoop(benchmark::State& state) {
   state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size()));
 }
 
+// The whole program's ingestion: the CSV written to a temporary file once,
+// then CsvTable::ReadFile (read everything, then parse).
+void BM_CsvReadFile(benchmark::State& state) {
+  const std::string& text = CsvText(static_cast<std::size_t>(state.range(0)));
+  const std::string path =
+      (std::filesystem::temp_directory_path() / "kxregress_benchmark.csv").string();
+  {
+    std::ofstream out(path, std::ios::binary);
+    out.write(text.data(), static_cast<std::streamsize>(text.size()));
+    if (!out) {
+      state.SkipWithError("cannot write the temporary CSV file");
+      return;
+    }
+  }
+  for (auto _ : state) {
+    CsvTable table;
+    std::string error;
+    if (!table.ReadFile(path, error)) {
+      state.SkipWithError(error.c_str());
+      break;
+    }
+    benchmark::DoNotOptimize(table.Row(0));
+  }
+  std::filesystem::remove(path);
+  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size()));
+}
+
 BENCHMARK(BM_CsvParse)->Arg(1000000)->Unit(benchmark::kMillisecond)->Iterations(2);
+BENCHMARK(BM_CsvReadFile)->Arg(1000000)->Unit(benchmark::kMillisecond)->Iterations(2);
 BENCHMARK(BM_CsvStrtodLoop)->Arg(1000000)->Unit(benchmark::kMillisecond)->Iterations(2);
 
 }  // namespace

@@ -3,6 +3,7 @@
 
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -267,9 +268,18 @@ bool CsvTable::ReadFile(const std::string& path, std::string& error) {
     error = "cannot open '" + path + "': " + reason;
     return false;
   }
+  // One read of the whole file when its size is known, then whatever a
+  // growing file (or a stream without a size) still holds.
   std::string text;
+  std::error_code sizeError;
+  const std::uintmax_t size = std::filesystem::file_size(path, sizeError);
+  if (!sizeError && size > 0 && size < static_cast<std::uintmax_t>(text.max_size())) {
+    text.resize(static_cast<std::size_t>(size));
+    in.read(&text[0], static_cast<std::streamsize>(size));
+    text.resize(static_cast<std::size_t>(in.gcount()));
+  }
   char buffer[1 << 16];
-  while (in.read(buffer, sizeof buffer) || in.gcount() > 0) {
+  while (in && (in.read(buffer, sizeof buffer) || in.gcount() > 0)) {
     text.append(buffer, static_cast<std::size_t>(in.gcount()));
   }
   if (in.bad()) {
