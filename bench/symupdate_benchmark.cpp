@@ -9,6 +9,7 @@
 //   symupdate_benchmark --benchmark_repetitions=3 --benchmark_report_aggregates_only=true
 //
 // Compare the median times of one order: ours / peer is the speed ratio.
+// The matrix-vector product ComputeSV is timed beside dspmv the same way.
 #include <benchmark/benchmark.h>
 
 #include <cstddef>
@@ -67,6 +68,47 @@ void BM_Dspr(benchmark::State& state, const kxbench::PeerLibrary& peer,
   state.SetItemsProcessed(state.iterations());
 }
 
+using DspmvFn = void (*)(const char* uplo, const int* n, const double* alpha,
+                         const double* ap, const double* x, const int* incx,
+                         const double* beta, double* y, const int* incy,
+                         std::size_t uploLength);
+
+void BM_ComputeSV(benchmark::State& state) {
+  const int n = static_cast<int>(state.range(0));
+  KXCommon::KXSymMatrix matrix(n);
+  matrix.UpdateXX(CaseVector(n, 0.0), 1.0);
+  matrix.AddToDiagonal(1.0);
+  const std::vector<double> x = CaseVector(n, 0.0);
+  std::vector<double> y(static_cast<std::size_t>(n));
+  for (auto _ : state) {
+    matrix.ComputeSV(x, y);
+    benchmark::DoNotOptimize(y.data());
+    benchmark::ClobberMemory();
+  }
+}
+
+void BM_Dspmv(benchmark::State& state, const kxbench::PeerLibrary& peer) {
+  const DspmvFn dspmv = peer.Loaded() ? peer.Get<DspmvFn>("dspmv_") : nullptr;
+  if (dspmv == nullptr) {
+    state.SkipWithError("peer not found");
+    return;
+  }
+  const int n = static_cast<int>(state.range(0));
+  KXCommon::KXSymMatrix matrix(n);
+  matrix.UpdateXX(CaseVector(n, 0.0), 1.0);
+  matrix.AddToDiagonal(1.0);
+  const std::vector<double> x = CaseVector(n, 0.0);
+  std::vector<double> y(static_cast<std::size_t>(n));
+  const double one = 1.0, zero = 0.0;
+  const int inc = 1;
+  for (auto _ : state) {
+    dspmv("U", &n, &one, matrix.AsVector().data(), x.data(), &inc, &zero,
+          y.data(), &inc, 1);
+    benchmark::DoNotOptimize(y.data());
+    benchmark::ClobberMemory();
+  }
+}
+
 void Orders(benchmark::internal::Benchmark* b) {
   for (int n : {10, 50, 200, 1000}) b->Arg(n);
 }
@@ -78,6 +120,10 @@ BENCHMARK_CAPTURE(BM_Dspr, refblas_dense, kxbench::ReferenceBlas(), 0.0)->Apply(
 // Half the elements zero, as with dummy-coded categorical predictors.
 BENCHMARK_CAPTURE(BM_UpdateXX, half_zero, 0.5)->Apply(Orders);
 BENCHMARK_CAPTURE(BM_Dspr, openblas_half_zero, kxbench::OpenBlas(), 0.5)->Apply(Orders);
+
+// Matrix-vector product.
+BENCHMARK(BM_ComputeSV)->Apply(Orders);
+BENCHMARK_CAPTURE(BM_Dspmv, openblas, kxbench::OpenBlas())->Apply(Orders);
 
 }  // namespace
 

@@ -272,20 +272,10 @@ bool KXSymMatrix::ComputeSV(int k, const std::vector<double>& v,
       v.size() < static_cast<std::size_t>(k))
     return false;
   const std::size_t n = static_cast<std::size_t>(k);
-  // out[i] = sum over j of a_ij v_j in index order: row i's stored part
-  // (j <= i) is summed when row i is reached, the terms j > i arrive from
-  // the later rows in increasing j.
+  // out[i] = sum over j of a_ij v_j in index order, whatever the path.
   std::vector<double> scratch;
   std::vector<double>& result = ResultBuffer(v, out, scratch, n);
-  const double* packed = data.data();
-  for (std::size_t i = 0; i < n; ++i) {
-    const double* stored = packed + i * (i + 1) / 2;
-    double sum = 0.0;
-    for (std::size_t j = 0; j <= i; ++j) sum += stored[j] * v[j];
-    result[i] = sum;
-    const double vi = v[i];
-    for (std::size_t j = 0; j < i; ++j) result[j] += stored[j] * vi;
-  }
+  internal::PackedSymMatVec(data.data(), v.data(), result.data(), n);
   if (&result == &scratch) out.swap(scratch);
   return true;
 }

@@ -25,6 +25,13 @@ namespace internal {
 void PackedRankOneUpdate(double* packed, const double* x, std::size_t n,
                          double w);
 
+// out = S v for the packed symmetric matrix S of order n. Every out[i] is
+// the sum over j = 0..n-1 of a(i, j) * v[j], accumulated from 0 in
+// increasing j, exactly as the plain double loop would. out must not
+// overlap packed or v.
+void PackedSymMatVec(const double* packed, const double* v, double* out,
+                     std::size_t n);
+
 }  // namespace internal
 }  // namespace KXCommon
 
