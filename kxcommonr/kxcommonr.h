@@ -27,6 +27,9 @@
 #include "kxcommonr/common/KXRectMatrixData.h"
 #include "kxcommonr/common/KXRectMatrix.h"
 
+// Distributions
+#include "kxcommonr/common/KXDistFun.h"
+
 // XML
 #include "kxcommonr/xml/ExportFormat.h"
 #include "kxcommonr/xml/XMLInterface.h"
