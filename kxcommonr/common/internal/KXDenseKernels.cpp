@@ -223,6 +223,8 @@ KX_DENSE_INLINE void BlockedMultiply(int m, int n, int k, const StridedView& a, 
       buffers.aStore, static_cast<std::size_t>(slab) * static_cast<std::size_t>((rowBlock + MR - 1) / MR * MR));
   alignas(64) double tile[MR * NR];
   double* rows[MR];
+  const bool sameSource = !scaled && a.base == b.base && a.rowStride == b.colStride &&
+                          a.colStride == b.rowStride;
 
   for (int p0 = 0; p0 < k; p0 += kSlabDepth) {
     const int kc = k - p0 < kSlabDepth ? k - p0 : kSlabDepth;
@@ -233,11 +235,19 @@ KX_DENSE_INLINE void BlockedMultiply(int m, int n, int k, const StridedView& a, 
       PackB<NR>(b, p0, kc, j0, nc, bPacked);
       for (int i0 = firstRow; i0 < m; i0 += kRowBlock) {
         const int mc = m - i0 < kRowBlock ? m - i0 : kRowBlock;
-        PackA<MR>(a, i0, mc, p0, kc, scale, scaled, aPacked);
+        // a = b' unscaled (a cross product of one matrix): the rows of a
+        // are columns of b already packed in the same layout when MR == NR.
+        const double* aBlock = aPacked;
+        if (MR == NR && sameSource && j0 <= i0 && i0 + mc <= j0 + nc &&
+            (mc % MR == 0 || i0 + mc == j0 + nc)) {
+          aBlock = bPacked + static_cast<std::ptrdiff_t>(i0 - j0) * kc;
+        } else {
+          PackA<MR>(a, i0, mc, p0, kc, scale, scaled, aPacked);
+        }
         for (int ir = 0; ir < mc; ir += MR) {
           const int i = i0 + ir;
           const int mr = mc - ir < MR ? mc - ir : MR;
-          const double* ap = aPacked + static_cast<std::ptrdiff_t>(ir) * kc;
+          const double* ap = aBlock + static_cast<std::ptrdiff_t>(ir) * kc;
           for (int jr = 0; jr < nc; jr += NR) {
             const int j = j0 + jr;
             if (lower && j > i + mr - 1) break;  // tile wholly above the diagonal

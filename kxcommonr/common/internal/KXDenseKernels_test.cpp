@@ -38,7 +38,8 @@ TEST(KXDenseKernelsTest, EveryPathEqualsThePlainLoop) {
     ++pathsRun;
     std::mt19937_64 gen(99);  // the same inputs on every path
     const int shapes[][3] = {{1, 1, 1}, {3, 5, 2}, {8, 16, 256}, {9, 17, 257}, {97, 20, 40},
-                             {20, 530, 3}, {33, 7, 600}, {5, 0, 4}, {0, 3, 3}};
+                             {20, 530, 3}, {33, 7, 600}, {5, 0, 4}, {0, 3, 3}, {4, 97, 300},
+                             {2, 200, 70}};
     for (const auto& shape : shapes) {
       const int m = shape[0], n = shape[1], k = shape[2];
       // a read through a transposed view, b through a row-major one.
@@ -55,21 +56,25 @@ TEST(KXDenseKernelsTest, EveryPathEqualsThePlainLoop) {
       GemmAccumulate(m, n, k, StridedView{aT.data(), 1, m}, StridedView{b.data(), n, 1}, c.data(), n);
       EXPECT_TRUE(SameBits(c, expect)) << path << " gemm " << m << "x" << n << "x" << k;
 
-      // Packed lower triangle of order n with a scale on the a side.
-      const double scale = 0.37;
-      std::vector<double> packed = Random(static_cast<std::size_t>(n) * (n + 1) / 2, gen);
-      std::vector<double> expectPacked(packed);
-      const std::vector<double> x = Random(static_cast<std::size_t>(k) * n, gen);
-      for (int i = 0; i < n; ++i)
-        for (int j = 0; j <= i; ++j)
-          for (int p = 0; p < k; ++p) {
-            const double weighted = x[static_cast<std::size_t>(p) * n + i] * scale;
-            const double product = weighted * x[static_cast<std::size_t>(p) * n + j];
-            double& target = expectPacked[static_cast<std::size_t>(i) * (i + 1) / 2 + j];
-            target = target + product;
-          }
-      PackedLowerAccumulate(n, k, StridedView{x.data(), 1, n}, scale, StridedView{x.data(), n, 1}, packed.data());
-      EXPECT_TRUE(SameBits(packed, expectPacked)) << path << " packed " << n << "x" << k;
+      // Packed lower triangle of order n, with a scale on the a side and
+      // without (then a and b are views of one matrix, which the kernels
+      // pack once).
+      for (const double scale : {0.37, 1.0}) {
+        std::vector<double> packed = Random(static_cast<std::size_t>(n) * (n + 1) / 2, gen);
+        std::vector<double> expectPacked(packed);
+        const std::vector<double> x = Random(static_cast<std::size_t>(k) * n, gen);
+        for (int i = 0; i < n; ++i)
+          for (int j = 0; j <= i; ++j)
+            for (int p = 0; p < k; ++p) {
+              const double weighted = x[static_cast<std::size_t>(p) * n + i] * scale;
+              const double product = weighted * x[static_cast<std::size_t>(p) * n + j];
+              double& target = expectPacked[static_cast<std::size_t>(i) * (i + 1) / 2 + j];
+              target = target + product;
+            }
+        PackedLowerAccumulate(n, k, StridedView{x.data(), 1, n}, scale, StridedView{x.data(), n, 1},
+                              packed.data());
+        EXPECT_TRUE(SameBits(packed, expectPacked)) << path << " packed " << n << "x" << k << " scale " << scale;
+      }
     }
   }
   EXPECT_GE(pathsRun, 1);
