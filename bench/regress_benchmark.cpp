@@ -6,7 +6,7 @@
 // N cases held in memory (CSV parsing excluded), through the program's path
 // (means, centred cross-products by UpdateXX per case or UpdateXXMat2 over
 // blocks, Sweep, residual pass), against the same fit by OpenBLAS on one
-// thread: the same means and residual pass, the centred cross-products by
+// thread: the same centring and residual pass, the centred cross-products by
 // dsyrk_ on blocks of cases, and dpotrf_/dpotrs_/dpotri_ for coefficients and
 // the inverse's diagonal. Report ours/peer from the same run.
 //
@@ -27,6 +27,8 @@
 #include "bench/PeerLibraries.h"
 #include "examples/regress/CsvTable.h"
 #include "examples/regress/RegressionFit.h"
+#include "kxcommonr/common/KXRectMatrix.h"
+#include "kxcommonr/common/KXSymMatrix.h"
 
 namespace {
 
@@ -118,28 +120,42 @@ bool FitOpenBlas(const CsvTable& table, int block, std::vector<double>& beta,
   const std::size_t numRows = table.NumRows();
   auto column = [](int k) { return k < kPredictors ? k + 1 : 0; };
 
-  // Means with the same correction pass as the program.
+  // The program's centring: means from one pass, cross-products about them
+  // with the deviations summed on the way, then the rank-one correction.
+  const double numCases = static_cast<double>(numRows);
   std::vector<double> mean(order, 0.0);
-  for (int pass = 0; pass < 2; ++pass) {
-    std::vector<double> sum(order, 0.0);
-    for (std::size_t r = 0; r < numRows; ++r) {
-      const double* row = table.Row(r);
-      for (int k = 0; k < order; ++k) sum[k] += row[column(k)] - mean[k];
-    }
-    for (int k = 0; k < order; ++k) mean[k] += sum[k] / static_cast<double>(numRows);
+  for (std::size_t r = 0; r < numRows; ++r) {
+    const double* row = table.Row(r);
+    for (int k = 0; k < order; ++k) mean[k] += row[column(k)];
   }
+  for (int k = 0; k < order; ++k) mean[k] /= numCases;
 
   // Centred cross-products, blocks of cases stored column-major for dsyrk_.
   std::vector<double> cross(static_cast<std::size_t>(order) * order, 0.0);
   std::vector<double> centred(static_cast<std::size_t>(block) * order);
+  std::vector<double> deviation(order, 0.0);
   const double one = 1.0;
   for (std::size_t start = 0; start < numRows; start += static_cast<std::size_t>(block)) {
     const int rows = static_cast<int>(std::min<std::size_t>(block, numRows - start));
     for (int p = 0; p < rows; ++p) {
       const double* row = table.Row(start + static_cast<std::size_t>(p));
-      for (int k = 0; k < order; ++k) centred[static_cast<std::size_t>(k) * rows + p] = row[column(k)] - mean[k];
+      for (int k = 0; k < order; ++k) {
+        const double z = row[column(k)] - mean[k];
+        centred[static_cast<std::size_t>(k) * rows + p] = z;
+        deviation[k] += z;
+      }
     }
     dsyrk("L", "T", &order, &rows, &one, centred.data(), &rows, &one, cross.data(), &order);
+  }
+  for (int k = 0; k < order; ++k) {
+    const double delta = deviation[k] / numCases;
+    mean[k] += delta;
+    deviation[k] = delta;
+  }
+  for (int j = 0; j < order; ++j) {
+    for (int i = j; i < order; ++i) {
+      cross[static_cast<std::size_t>(j) * order + i] -= numCases * deviation[i] * deviation[j];
+    }
   }
 
   // Coefficients from the predictor block, then its inverse for the errors.
@@ -208,6 +224,65 @@ BENCHMARK(BM_FitOpenBlas)
     ->Args({1000000, 256})
     ->Args({1000000, 2048})
     ->Unit(benchmark::kMillisecond);
+
+// The cross-product kernel alone, on the 21 columns of the cases in memory
+// (row-major, so a block of cases is a column-major 21 x B matrix for
+// dsyrk_ with no copy): UpdateXX per case, UpdateXXMat2 per block of 256
+// cases (copied into the two blocks it takes), dsyrk_ per block.
+void BM_CrossProductsUpdateXX(benchmark::State& state) {
+  const CsvTable& table = Cases(static_cast<std::size_t>(state.range(0)));
+  const int order = table.NumColumns();
+  std::vector<double> x(static_cast<std::size_t>(order));
+  for (auto _ : state) {
+    KXCommon::KXSymMatrix cross(order);
+    for (std::size_t r = 0; r < table.NumRows(); ++r) {
+      std::copy(table.Row(r), table.Row(r) + order, x.begin());
+      cross.UpdateXX(x, 1.0);
+    }
+    benchmark::DoNotOptimize(cross.AsVector().data());
+  }
+  state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+
+void BM_CrossProductsUpdateXXMat2(benchmark::State& state) {
+  const CsvTable& table = Cases(static_cast<std::size_t>(state.range(0)));
+  const int order = table.NumColumns();
+  const int block = 256;
+  KXCommon::KXRectMatrix cases(block, order);
+  for (auto _ : state) {
+    KXCommon::KXSymMatrix cross(order);
+    for (std::size_t start = 0; start + block <= table.NumRows(); start += block) {
+      std::copy(table.Row(start), table.Row(start + block), cases.AsVector().begin());
+      cross.UpdateXXMat2(cases, cases, 1.0);
+    }
+    benchmark::DoNotOptimize(cross.AsVector().data());
+  }
+  state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+
+void BM_CrossProductsDsyrk(benchmark::State& state) {
+  const auto dsyrk = kxbench::OpenBlas().Get<DsyrkFn>("dsyrk_");
+  if (!dsyrk) {
+    state.SkipWithError("peer not found");
+    return;
+  }
+  const CsvTable& table = Cases(static_cast<std::size_t>(state.range(0)));
+  const int order = table.NumColumns();
+  const int block = 256;
+  const double one = 1.0;
+  for (auto _ : state) {
+    std::vector<double> cross(static_cast<std::size_t>(order) * order, 0.0);
+    for (std::size_t start = 0; start + block <= table.NumRows(); start += block) {
+      dsyrk("L", "N", &order, &block, &one, table.Row(start), &order, &one, cross.data(), &order);
+    }
+    benchmark::DoNotOptimize(cross.data());
+  }
+  state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+
+BENCHMARK(BM_CrossProductsUpdateXX)->Arg(1000000)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_CrossProductsUpdateXXMat2)->Arg(1000000)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_CrossProductsDsyrk)->Arg(1000000)->Unit(benchmark::kMillisecond);
 
 // N cases of 20 numbers as CSV text, numbers of various lengths.
 const std::string& CsvText(std::size_t numCases) {

