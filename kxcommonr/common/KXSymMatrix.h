@@ -147,7 +147,8 @@ class KXCOMMONR_API KXSymMatrix : public KXSymMatrixData {
   // a_ij = a_ij - a_ik a_jk / d. A sweep is accepted only when
   // tol * origDiag[k] < a_kk (strictly) and, for every swept row j,
   // (a_jj - a_jk^2 / a_kk) * tol * origDiag[j] > -1 (the earlier row's
-  // residual stays above tol * origDiag[j]). A reverse sweep makes no test.
+  // residual stays above tol * origDiag[j]). A reverse sweep makes no pivot
+  // test; it refuses only a zero or NaN diagonal, which no sweep leaves.
   // Toggles bit k on success. Returns false, matrix and swept unchanged,
   // when a test fails, when k is out of range or origDiag or swept has
   // fewer than n elements (always checked), or, with check, when tol <= 0

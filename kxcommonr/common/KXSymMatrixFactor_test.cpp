@@ -325,7 +325,7 @@ TEST_F(KernelLevels, ChunkedSweepMatchesPlainBitForBit) {
       // Even k visits the rows upwards, odd k downwards; above 2048 rows
       // the columns go in several chunks.
       const std::vector<int> ks =
-          n > 1000 ? std::vector<int>{n - 1, n / 2} : std::vector<int>{0, n / 2, n - 1, n / 3, (n / 3) | 1};
+          n > 1000 ? std::vector<int>{n - 1, n / 2} : std::vector<int>{0, n / 2, n - 1, n / 3, std::min((n / 3) | 1, n - 1)};
       for (int k : ks) {
         in::PackedSweepRowPlain(plain.data(), n, k);
         in::PackedSweepRow(fast.data(), n, k);
