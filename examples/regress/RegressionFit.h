@@ -6,8 +6,10 @@
 //   1. weighted means of the predictors and the target (first pass; skipped
 //      without an intercept);
 //   2. a KXSymMatrix of order p+1 (predictors, then the target) accumulated
-//      case by case with UpdateXX(case, weight) on the centred values (the
-//      raw values without an intercept);
+//      case by case with UpdateXX(case, weight) on the values minus those
+//      means (the raw values without an intercept), then corrected for the
+//      rounding left in the means by one UpdateXXPosNegW(delta, -sum of
+//      weights), delta the weighted mean deviation summed in the same pass;
 //   3. Sweep of the predictor rows in column order, with the diagonal before
 //      sweeping as the initial diagonal and a KXBitSet of swept rows; a
 //      refused sweep leaves that predictor out of the model, reported as
