@@ -325,7 +325,8 @@ TEST_F(KernelLevels, ChunkedSweepMatchesPlainBitForBit) {
       // Even k visits the rows upwards, odd k downwards; above 2048 rows
       // the columns go in several chunks.
       const std::vector<int> ks =
-          n > 1000 ? std::vector<int>{n - 1, n / 2} : std::vector<int>{0, n / 2, n - 1, n / 3, std::min((n / 3) | 1, n - 1)};
+          n > 1000 ? std::vector<int>{n - 1, n / 2}
+                   : std::vector<int>{0, n / 2, n - 1, n / 3, std::min((n / 3) | 1, n - 1)};
       for (int k : ks) {
         in::PackedSweepRowPlain(plain.data(), n, k);
         in::PackedSweepRow(fast.data(), n, k);
@@ -433,7 +434,8 @@ TEST(KXSymMatrixSweep, ForwardThenReverseRestoresAndAllRowsGiveMinusInverse) {
     EXPECT_LE(kxtesting::MaxAbsDiff(kxtesting::Multiply(a, minusS), Identity(n)), 1e-11);
     // Reversing in another order restores the matrix.
     for (int k = n - 1; k >= 0; k -= 2) ASSERT_TRUE(s.Sweep(k, 1e-10, orig, swept, true));
-    for (int k = n % 2 == 0 ? 0 : 1; k < n; k += 2) ASSERT_TRUE(s.Sweep(k, 1e-10, orig, swept, true));
+    for (int k = n % 2 == 0 ? 0 : 1; k < n; k += 2)
+      ASSERT_TRUE(s.Sweep(k, 1e-10, orig, swept, true));
     EXPECT_EQ(swept.InSet(), 0);
     EXPECT_LE(kxtesting::MaxAbsDiff(kxtesting::ToDense(s), a), 1e-12 * MaxAbs(a));
   }

@@ -749,7 +749,8 @@ void PackedLowerTransLower(double* a, int n) {
   }
   std::vector<double> scratch;
   try {
-    scratch.resize(static_cast<std::size_t>(kMaxRows) * (static_cast<std::size_t>(n) + 2 * kMaxTile));
+    scratch.resize(static_cast<std::size_t>(kMaxRows) *
+                   (static_cast<std::size_t>(n) + 2 * kMaxTile));
   } catch (const std::bad_alloc&) {
     PackedLowerTransLowerPlain(a, n);
     return;
