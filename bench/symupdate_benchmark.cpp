@@ -9,7 +9,8 @@
 //   symupdate_benchmark --benchmark_repetitions=3 --benchmark_report_aggregates_only=true
 //
 // Compare the median times of one order: ours / peer is the speed ratio.
-// The matrix-vector product ComputeSV is timed beside dspmv the same way.
+// The matrix-vector product ComputeSV is timed beside dspmv the same way,
+// and the quadratic form ComputeVSV beside dspmv followed by ddot.
 #include <benchmark/benchmark.h>
 
 #include <cstddef>
@@ -109,6 +110,40 @@ void BM_Dspmv(benchmark::State& state, const kxbench::PeerLibrary& peer) {
   }
 }
 
+using DdotFn = double (*)(const int* n, const double* x, const int* incx,
+                          const double* y, const int* incy);
+
+void BM_ComputeVSV(benchmark::State& state) {
+  const int n = static_cast<int>(state.range(0));
+  KXCommon::KXSymMatrix matrix(n);
+  matrix.UpdateXX(CaseVector(n, 0.0), 1.0);
+  matrix.AddToDiagonal(1.0);
+  const std::vector<double> x = CaseVector(n, 0.0);
+  for (auto _ : state) benchmark::DoNotOptimize(matrix.ComputeVSV(x));
+}
+
+void BM_DspmvDdot(benchmark::State& state, const kxbench::PeerLibrary& peer) {
+  const DspmvFn dspmv = peer.Loaded() ? peer.Get<DspmvFn>("dspmv_") : nullptr;
+  const DdotFn ddot = peer.Loaded() ? peer.Get<DdotFn>("ddot_") : nullptr;
+  if (dspmv == nullptr || ddot == nullptr) {
+    state.SkipWithError("peer not found");
+    return;
+  }
+  const int n = static_cast<int>(state.range(0));
+  KXCommon::KXSymMatrix matrix(n);
+  matrix.UpdateXX(CaseVector(n, 0.0), 1.0);
+  matrix.AddToDiagonal(1.0);
+  const std::vector<double> x = CaseVector(n, 0.0);
+  std::vector<double> y(static_cast<std::size_t>(n));
+  const double one = 1.0, zero = 0.0;
+  const int inc = 1;
+  for (auto _ : state) {
+    dspmv("U", &n, &one, matrix.AsVector().data(), x.data(), &inc, &zero,
+          y.data(), &inc, 1);
+    benchmark::DoNotOptimize(ddot(&n, x.data(), &inc, y.data(), &inc));
+  }
+}
+
 void Orders(benchmark::internal::Benchmark* b) {
   for (int n : {10, 50, 200, 1000}) b->Arg(n);
 }
@@ -124,6 +159,10 @@ BENCHMARK_CAPTURE(BM_Dspr, openblas_half_zero, kxbench::OpenBlas(), 0.5)->Apply(
 // Matrix-vector product.
 BENCHMARK(BM_ComputeSV)->Apply(Orders);
 BENCHMARK_CAPTURE(BM_Dspmv, openblas, kxbench::OpenBlas())->Apply(Orders);
+
+// Quadratic form.
+BENCHMARK(BM_ComputeVSV)->Apply(Orders);
+BENCHMARK_CAPTURE(BM_DspmvDdot, openblas, kxbench::OpenBlas())->Apply(Orders);
 
 }  // namespace
 

@@ -67,19 +67,41 @@ std::vector<double> ToSquare(const std::vector<double>& packed, std::size_t n) {
   return full;
 }
 
-// v'Sw over strided arrays: row by row, the off-diagonal term a_ij (v_i w_j
-// + v_j w_i) for j < i, then the diagonal term; one accumulator.
+// v'Sw over strided arrays as a sum of row totals, added in row order:
+// row i's total is the sum over j < i of a_ij (v_i w_j + v_j w_i), in
+// increasing j, plus a_ii v_i w_i. Four rows are summed side by side so
+// that their adds overlap; every total is formed as it would be alone.
 double QuadraticForm(const double* packed, std::size_t n, const double* v,
                      std::size_t incv, const double* w, std::size_t incw) {
   double sum = 0.0;
-  std::size_t k = 0;
-  for (std::size_t i = 0; i < n; ++i) {
-    const double vi = v[i * incv];
-    const double wi = w[i * incw];
-    for (std::size_t j = 0; j < i; ++j, ++k) {
-      sum += packed[k] * (vi * w[j * incw] + v[j * incv] * wi);
+  std::size_t i = 0;
+  for (; i + 4 <= n; i += 4) {
+    const double* a[4];
+    double vi[4], wi[4], total[4] = {0.0, 0.0, 0.0, 0.0};
+    for (std::size_t r = 0; r < 4; ++r) {
+      a[r] = packed + (i + r) * (i + r + 1) / 2;
+      vi[r] = v[(i + r) * incv];
+      wi[r] = w[(i + r) * incw];
     }
-    sum += packed[k++] * vi * wi;
+    for (std::size_t j = 0; j < i; ++j) {
+      const double vj = v[j * incv], wj = w[j * incw];
+      for (std::size_t r = 0; r < 4; ++r) total[r] += a[r][j] * (vi[r] * wj + vj * wi[r]);
+    }
+    for (std::size_t r = 0; r < 4; ++r) {
+      for (std::size_t j = i; j < i + r; ++j) {
+        total[r] += a[r][j] * (vi[r] * w[j * incw] + v[j * incv] * wi[r]);
+      }
+      total[r] += a[r][i + r] * vi[r] * wi[r];
+    }
+    for (std::size_t r = 0; r < 4; ++r) sum += total[r];
+  }
+  for (; i < n; ++i) {
+    const double* a = packed + i * (i + 1) / 2;
+    const double vi = v[i * incv], wi = w[i * incw];
+    double total = 0.0;
+    for (std::size_t j = 0; j < i; ++j) total += a[j] * (vi * w[j * incw] + v[j * incv] * wi);
+    total += a[i] * vi * wi;
+    sum += total;
   }
   return sum;
 }
