@@ -47,10 +47,12 @@ class KXCOMMONR_API KXSymMatrix : public KXSymMatrixData {
 
   // Empty matrix.
   KXSymMatrix();
-  // Zero matrix of order max(n, 0), one block.
+  // Zero matrix of order max(n, 0), one block. When the triangle cannot be
+  // allocated the matrix is invalid (IsValidMatrix() false, order -1).
   explicit KXSymMatrix(int n);
   // Zero matrix of nBlocks blocks of blockSize rows; empty when either count
-  // is below 1.
+  // is below 1; invalid when the order exceeds the int range or the
+  // triangle cannot be allocated.
   KXSymMatrix(int nBlocks, int blockSize);
   KXSymMatrix(const KXSymMatrix& other) = default;
   KXSymMatrix& operator=(const KXSymMatrix& other) = default;
@@ -298,7 +300,8 @@ class KXCOMMONR_API KXSymMatrix : public KXSymMatrixData {
   // --- adding nothing, when its arguments are refused.
 
   // Adds w * x x'. Rows with x_i == 0 are skipped whole. False when
-  // size(x) != n or w <= 0 (or w is NaN).
+  // size(x) != n or w <= 0 (or w is NaN). Never allocates; the result is
+  // the same bit for bit whichever vector instructions the processor has.
   bool UpdateXX(const std::vector<double>& x, double w);
   // Adds w * x x' for a weight of either sign (a negative weight removes a
   // case added before). False when size(x) != n.
