@@ -189,100 +189,73 @@ TEST(Blas1Test, NormPropagatesNaNAndInfinityLikeTheSequentialAlgorithm) {
   }
 }
 
-TEST(Blas1Test, ElementwiseKernelsMatchPlainLoops) {
+// An elementwise kernel and the new (x_k, y_k) it should produce from the old.
+struct ElementwiseKernel {
+  const char* name;
+  void (*run)(int n, double* x, int incx, double* y, int incy);
+  void (*element)(double& xk, double& yk);
+};
+
+const ElementwiseKernel kElementwise[] = {
+    {"Daxpy", [](int n, double* x, int incx, double* y, int incy) { Blas1::Daxpy(n, 0.7313, x, incx, y, incy); },
+     [](double& xk, double& yk) { yk += 0.7313 * xk; }},
+    {"DCopy", [](int n, double* x, int incx, double* y, int incy) { Blas1::DCopy(n, x, incx, y, incy); },
+     [](double& xk, double& yk) { yk = xk; }},
+    {"DSwap", [](int n, double* x, int incx, double* y, int incy) { Blas1::DSwap(n, x, incx, y, incy); },
+     [](double& xk, double& yk) { std::swap(xk, yk); }},
+    {"DRot", [](int n, double* x, int incx, double* y, int incy) { Blas1::DRot(n, x, incx, y, incy, 0.28, -0.96); },
+     [](double& xk, double& yk) {
+       const double x0 = xk, y0 = yk;
+       xk = 0.28 * x0 + -0.96 * y0;
+       yk = 0.28 * y0 - -0.96 * x0;
+     }},
+};
+
+// Runs the kernel on x = buffer + xAt and y = buffer + yAt (the arrays may
+// share memory) and compares with the element-by-element forward walk.
+void CheckElementwise(const ElementwiseKernel& kernel, const std::vector<double>& buffer, int n,
+                      int xAt, int incx, int yAt, int incy) {
+  std::vector<double> got = buffer, expected = buffer;
+  kernel.run(n, got.data() + xAt, incx, got.data() + yAt, incy);
+  for (int k = 0; k < n; ++k) {
+    double xk = expected[static_cast<std::size_t>(xAt + At(n, incx, k))];
+    double yk = expected[static_cast<std::size_t>(yAt + At(n, incy, k))];
+    kernel.element(xk, yk);
+    expected[static_cast<std::size_t>(xAt + At(n, incx, k))] = xk;
+    expected[static_cast<std::size_t>(yAt + At(n, incy, k))] = yk;
+  }
+  EXPECT_EQ(got, expected) << kernel.name << " n=" << n << " x at " << xAt << " by " << incx
+                           << ", y at " << yAt << " by " << incy;
+}
+
+// Separate strided arrays, and unit-stride arrays at every alignment that
+// share memory: the blocked paths must give what the forward walk gives.
+TEST(Blas1Test, ElementwiseKernelsMatchTheForwardWalk) {
   std::mt19937_64 rng(3);
-  const double a = 0.7313;
-  const double c = 0.6;
-  const double s = -0.8;
-  for (int n : kSizes) {
-    for (int incx : {1, 2, -1}) {
-      for (int incy : {1, -3}) {
-        const std::size_t span = static_cast<std::size_t>(n * 3);
-        const std::vector<double> x0 = RandomVector(span, rng);
-        const std::vector<double> y0 = RandomVector(span, rng);
-
-        std::vector<double> x = x0, y = y0, ex = x0, ey = y0;
-        Blas1::Daxpy(n, a, x.data(), incx, y.data(), incy);
-        for (int k = 0; k < n; ++k) ey[At(n, incy, k)] += a * ex[At(n, incx, k)];
-        EXPECT_EQ(y, ey) << "Daxpy n=" << n;
-
-        x = x0; y = y0; ey = y0;
-        Blas1::DCopy(n, x.data(), incx, y.data(), incy);
-        for (int k = 0; k < n; ++k) ey[At(n, incy, k)] = x0[At(n, incx, k)];
-        EXPECT_EQ(y, ey) << "DCopy n=" << n;
-
-        x = x0; y = y0; ex = x0; ey = y0;
-        Blas1::DSwap(n, x.data(), incx, y.data(), incy);
-        for (int k = 0; k < n; ++k) {
-          ex[At(n, incx, k)] = y0[At(n, incy, k)];
-          ey[At(n, incy, k)] = x0[At(n, incx, k)];
-        }
-        EXPECT_EQ(x, ex) << "DSwap n=" << n;
-        EXPECT_EQ(y, ey) << "DSwap n=" << n;
-
-        x = x0; y = y0; ex = x0; ey = y0;
-        Blas1::DRot(n, x.data(), incx, y.data(), incy, c, s);
-        for (int k = 0; k < n; ++k) {
-          const double xk = x0[At(n, incx, k)];
-          const double yk = y0[At(n, incy, k)];
-          ex[At(n, incx, k)] = c * xk + s * yk;
-          ey[At(n, incy, k)] = c * yk - s * xk;
-        }
-        EXPECT_EQ(x, ex) << "DRot n=" << n;
-        EXPECT_EQ(y, ey) << "DRot n=" << n;
+  const std::vector<double> buffer = RandomVector(26000, rng);  // > 6n + 5 for n = 4099
+  for (const ElementwiseKernel& kernel : kElementwise) {
+    for (int n : kSizes) {
+      for (int incx : {1, 2, -1}) {
+        for (int incy : {1, -3}) CheckElementwise(kernel, buffer, n, 0, incx, 3 * n + 5, incy);
       }
-      if (incx > 0) {
-        std::vector<double> x = RandomVector(static_cast<std::size_t>(n * incx), rng);
-        std::vector<double> ex = x;
-        Blas1::DScal(n, a, x.data(), incx);
-        for (int k = 0; k < n; ++k) ex[static_cast<std::size_t>(k * incx)] *= a;
-        EXPECT_EQ(x, ex) << "DScal n=" << n;
+      if (n > 200) continue;
+      for (int xStart : {0, 1, 3}) {
+        for (int shift : {-9, -1, 0, 1, 2, 7, 40}) {
+          CheckElementwise(kernel, buffer, n, 100 + xStart, 1, 100 + xStart + shift, 1);
+        }
       }
     }
   }
-}
-
-// Arrays that share memory, and every start alignment: the blocked paths
-// must give what the element-by-element forward loop gives.
-TEST(Blas1Test, ElementwiseKernelsOnOverlappingAndMisalignedArrays) {
-  std::mt19937_64 rng(6);
-  const std::vector<double> base = RandomVector(400, rng);
-  for (int n : {5, 31, 32, 33, 95, 200}) {
-    for (int xStart : {0, 1, 3, 8}) {
-      for (int shift : {-9, -1, 0, 1, 2, 7, 40}) {
-        const int yStart = 100 + xStart + shift;
-        const int xAt = 100 + xStart;
-        std::vector<double> got = base, expected = base;
-        Blas1::Daxpy(n, 0.5, got.data() + xAt, 1, got.data() + yStart, 1);
-        for (int k = 0; k < n; ++k) expected[static_cast<std::size_t>(yStart + k)] += 0.5 * expected[static_cast<std::size_t>(xAt + k)];
-        EXPECT_EQ(got, expected) << "Daxpy n=" << n << " shift=" << shift;
-
-        got = base; expected = base;
-        Blas1::DCopy(n, got.data() + xAt, 1, got.data() + yStart, 1);
-        for (int k = 0; k < n; ++k) expected[static_cast<std::size_t>(yStart + k)] = expected[static_cast<std::size_t>(xAt + k)];
-        EXPECT_EQ(got, expected) << "DCopy n=" << n << " shift=" << shift;
-
-        got = base; expected = base;
-        Blas1::DSwap(n, got.data() + xAt, 1, got.data() + yStart, 1);
-        for (int k = 0; k < n; ++k) {
-          std::swap(expected[static_cast<std::size_t>(xAt + k)], expected[static_cast<std::size_t>(yStart + k)]);
-        }
-        EXPECT_EQ(got, expected) << "DSwap n=" << n << " shift=" << shift;
-
-        got = base; expected = base;
-        Blas1::DRot(n, got.data() + xAt, 1, got.data() + yStart, 1, 0.28, 0.96);
-        for (int k = 0; k < n; ++k) {
-          const double xk = expected[static_cast<std::size_t>(xAt + k)];
-          const double yk = expected[static_cast<std::size_t>(yStart + k)];
-          expected[static_cast<std::size_t>(xAt + k)] = 0.28 * xk + 0.96 * yk;
-          expected[static_cast<std::size_t>(yStart + k)] = 0.28 * yk - 0.96 * xk;
-        }
-        EXPECT_EQ(got, expected) << "DRot n=" << n << " shift=" << shift;
-      }
-      std::vector<double> got = base, expected = base;
-      Blas1::DScal(n, -3.0, got.data() + xStart, 1);
-      for (int k = 0; k < n; ++k) expected[static_cast<std::size_t>(xStart + k)] *= -3.0;
-      EXPECT_EQ(got, expected) << "DScal n=" << n;
+  for (int n : kSizes) {
+    for (int start : {0, 1, 5}) {
+      std::vector<double> x = RandomVector(static_cast<std::size_t>(2 * n + start), rng);
+      std::vector<double> expected = x;
+      Blas1::DScal(n, -0.37, x.data() + start, 2);
+      for (int k = 0; k < n; ++k) expected[static_cast<std::size_t>(start + 2 * k)] *= -0.37;
+      EXPECT_EQ(x, expected) << "DScal n=" << n;
+      Blas1::DScal(2 * n, 3.0, x.data() + start, 1);
+      for (std::size_t k = static_cast<std::size_t>(start); k < x.size(); ++k) expected[k] *= 3.0;
+      EXPECT_EQ(x, expected) << "DScal n=" << 2 * n << " from " << start;
     }
   }
 }

@@ -163,52 +163,45 @@ TEST(KXMathFunTest, UpdatesRefuseBadWalksWithoutWriting) {
   EXPECT_EQ(y, (Vec{4, 36, 6}));
 }
 
+// Column j of a packed triangle, from the diagonal down: element (r, j) at
+// r*(r+1)/2 + j, which is the walk from off = j*(j+1)/2 + j with inc = j+1.
+std::vector<std::size_t> PackedColumn(int n, int j) {
+  std::vector<std::size_t> positions;
+  for (int r = j; r < n; ++r) positions.push_back(static_cast<std::size_t>(r * (r + 1) / 2 + j));
+  return positions;
+}
+
 TEST(KXMathFunTest, GrowingWalksFollowAPackedColumn) {
-  // Column j of a packed n x n triangle from row j down: offset
-  // j*(j+1)/2 + j, then steps j+1, j+2, ...
   const int n = 7;
   std::mt19937_64 rng(13);
-  const Vec packed = RandomVector(static_cast<std::size_t>(n * (n + 1) / 2), rng);
-  const std::vector<Vec> full = Unpacked(packed, n);
+  const Vec x = RandomVector(static_cast<std::size_t>(n * (n + 1) / 2), rng);
+  const Vec y = RandomVector(x.size(), rng);
   for (int j = 0; j < n; ++j) {
+    const std::vector<std::size_t> column = PackedColumn(n, j);
+    const int length = static_cast<int>(column.size());
     const int off = j * (j + 1) / 2 + j;
-    const int length = n - j;
-    // Column j below the diagonal equals row j of the full matrix.
-    Vec other(static_cast<std::size_t>(length));
-    for (int k = 0; k < length; ++k) other[static_cast<std::size_t>(k)] = k + 1.0;
-    // IIDot against a walk on a second packed triangle laid out the same.
-    Vec packedOther(packed.size(), 0.0);
-    KXMathFun::IIInit(length, 0.0, packedOther, off, j + 1);
+    Vec filled = x, scaled = x, updated = y;
+    Vec expectedFilled = x, expectedScaled = x, expectedUpdated = y;
     double expectedDot = 0.0;
-    for (int k = 0; k < length; ++k) {
-      const std::size_t row = static_cast<std::size_t>(j + k);
-      packedOther[row * (row + 1) / 2 + static_cast<std::size_t>(j)] = k + 1.0;
-      expectedDot += full[row][static_cast<std::size_t>(j)] * (k + 1.0);
+    for (std::size_t p : column) {
+      expectedFilled[p] = 42.0;
+      expectedScaled[p] *= -2.0;
+      expectedUpdated[p] += 0.5 * x[p];
+      expectedDot += x[p] * y[p];
     }
-    EXPECT_EQ(KXMathFun::IIDot(length, packed, off, j + 1, packedOther, off, j + 1),
-              expectedDot);
-
-    Vec scaled = packed;
-    KXMathFun::IIScal(length, -2.0, scaled, off, j + 1);
-    Vec updated = packed;
-    KXMathFun::IIAxpy(length, 0.5, packedOther, off, j + 1, updated, off, j + 1);
-    Vec filled = packed;
     KXMathFun::IIInit(length, 42.0, filled, off, j + 1);
-    const std::vector<Vec> fullScaled = Unpacked(scaled, n);
-    const std::vector<Vec> fullUpdated = Unpacked(updated, n);
-    const std::vector<Vec> fullFilled = Unpacked(filled, n);
-    for (int r = 0; r < n; ++r) {
-      for (int c = 0; c <= r; ++c) {
-        const std::size_t ru = static_cast<std::size_t>(r), cu = static_cast<std::size_t>(c);
-        const bool inColumn = c == j && r >= j;
-        const double original = full[ru][cu];
-        EXPECT_EQ(fullScaled[ru][cu], inColumn ? -2.0 * original : original);
-        EXPECT_EQ(fullUpdated[ru][cu],
-                  inColumn ? original + 0.5 * (r - j + 1.0) : original);
-        EXPECT_EQ(fullFilled[ru][cu], inColumn ? 42.0 : original);
-      }
-    }
+    KXMathFun::IIScal(length, -2.0, scaled, off, j + 1);
+    KXMathFun::IIAxpy(length, 0.5, x, off, j + 1, updated, off, j + 1);
+    EXPECT_EQ(filled, expectedFilled) << j;
+    EXPECT_EQ(scaled, expectedScaled) << j;
+    EXPECT_EQ(updated, expectedUpdated) << j;
+    EXPECT_TRUE(SameBits(KXMathFun::IIDot(length, x, off, j + 1, y, off, j + 1), expectedDot));
   }
+  // Two different walks: column 0 of x against column 2 of y.
+  const std::vector<std::size_t> first = PackedColumn(n, 0), third = PackedColumn(n, 2);
+  double expected = 0.0;
+  for (std::size_t k = 0; k < third.size(); ++k) expected += x[first[k]] * y[third[k]];
+  EXPECT_TRUE(SameBits(KXMathFun::IIDot(static_cast<int>(third.size()), x, 0, 1, y, 5, 3), expected));
 }
 
 TEST(KXMathFunTest, GrowingWalksRefuseToLeaveTheVector) {
