@@ -284,6 +284,13 @@ bool FitRegression(const CsvTable& table, const RegressionModel& model, Regressi
   std::vector<double> origDiag;
   cross.GetDiagonal(origDiag);
   for (int k = 0; k < order; ++k) {
+    // A sum of squares is never negative; the centring correction can leave
+    // one a rounding error below 0 for a constant column. It is then 0 (and
+    // the sweep refuses a zero pivot).
+    if (origDiag[static_cast<std::size_t>(k)] < 0.0) {
+      origDiag[static_cast<std::size_t>(k)] = 0.0;
+      cross.SetElem(k, k, 0.0);
+    }
     if (!std::isfinite(origDiag[static_cast<std::size_t>(k)])) {
       return Fail(error, FitErrorKind::kOverflow,
                   "the sums of squares of column '" +

@@ -370,6 +370,41 @@ TEST(RegressFit, BlocksOfCasesGiveTheCaseByCaseFit) {
   EXPECT_EQ(fitError.kind, FitErrorKind::kBadModel);
 }
 
+// A constant column has a zero centred sum of squares, up to the rounding of
+// its mean: whatever that rounding, the column alone is aliased and the
+// other predictor is estimated.
+TEST(RegressFit, ConstantColumnIsAliasedWhateverItsRounding) {
+  std::uint64_t state = 7;
+  auto uniform = [&state]() {
+    state = state * 6364136223846793005ULL + 1442695040888963407ULL;
+    return static_cast<double>(state >> 11) * 0x1.0p-53;
+  };
+  int checked = 0;
+  for (int trial = 0; trial < 400; ++trial) {
+    const int numCases = 3 + trial % 9;
+    const double constant = (uniform() - 0.5) * std::pow(10.0, trial % 13 - 6);
+    std::vector<double> cells;
+    for (int r = 0; r < numCases; ++r) {
+      cells.insert(cells.end(), {uniform(), static_cast<double>(r) + uniform(), constant,
+                                 1.0 + std::floor(uniform() * 3.0)});
+    }
+    CsvTable table;
+    ASSERT_TRUE(table.Assign({"y", "x", "c", "w"}, cells));
+    RegressionModel model;
+    model.target = 0;
+    model.predictors = {1, 2};
+    model.weight = trial % 2 == 0 ? 3 : -1;
+    RegressionFit fit;
+    FitError fitError;
+    ASSERT_TRUE(FitRegression(table, model, fit, fitError)) << fitError.message;
+    EXPECT_FALSE(fit.coefficients[1].aliased) << "constant " << constant << " trial " << trial;
+    EXPECT_TRUE(fit.coefficients[2].aliased) << "constant " << constant << " trial " << trial;
+    EXPECT_EQ(fit.rank, 1);
+    ++checked;
+  }
+  EXPECT_EQ(checked, 400);
+}
+
 // With 1 and 2 residual degrees of freedom the t distribution has closed
 // forms: P(|T| > t) = 1 - 2 atan(t) / pi and 1 - t / sqrt(2 + t^2). With one
 // predictor the F test is the square of its t test, with the same p-value.
