@@ -72,7 +72,7 @@ int KXRectMatrix::AddColumn() {
 }
 
 bool KXRectMatrix::Resize(int rows, int cols) {
-  if (rows < 0 || cols < 0) return false;
+  if (rows < 0 || cols < 0 || !HasConsistentData()) return false;
   if (cols == nCols) {
     // Row-major: the leading rows are already in place.
     try {
@@ -113,6 +113,7 @@ void KXRectMatrix::Clear() {
 }
 
 bool KXRectMatrix::Transpose() {
+  if (!HasConsistentData()) return false;
   if (nRows <= 1 || nCols <= 1) {
     // A vector's elements keep their order; only the shape changes.
     const int rows = nRows;
@@ -311,7 +312,9 @@ bool KXRectMatrix::CopyColToVec(int col, std::vector<double>& v, int start) cons
 }
 
 bool KXRectMatrix::CopyColumns(const KXRectMatrix& src, int srcFirst, int count, int dstFirst) {
-  if (count < 0 || srcFirst < 0 || dstFirst < 0 || src.nRows != nRows) return false;
+  if (count < 0 || srcFirst < 0 || dstFirst < 0 || src.nRows != nRows || !HasConsistentData() ||
+      !src.HasConsistentData())
+    return false;
   if (static_cast<long long>(srcFirst) + count > src.nCols ||
       static_cast<long long>(dstFirst) + count > nCols)
     return false;
@@ -328,7 +331,9 @@ bool KXRectMatrix::CopyColumns(const KXRectMatrix& src, int srcFirst, int count,
 }
 
 bool KXRectMatrix::CopyRows(const KXRectMatrix& src, int srcFirst, int count, int dstFirst) {
-  if (count < 0 || srcFirst < 0 || dstFirst < 0 || src.nCols != nCols) return false;
+  if (count < 0 || srcFirst < 0 || dstFirst < 0 || src.nCols != nCols || !HasConsistentData() ||
+      !src.HasConsistentData())
+    return false;
   if (static_cast<long long>(srcFirst) + count > src.nRows ||
       static_cast<long long>(dstFirst) + count > nRows)
     return false;
@@ -384,6 +389,7 @@ int KXRectMatrix::ExtractRows(const std::vector<int>& idx, KXRectMatrix& out) co
 
 void KXRectMatrix::Expand(const KXBitSet& keep, bool byRows, KXRectMatrix& out) const {
   const int size = keep.Size();
+  if (!HasConsistentData()) return;
   KXRectMatrix result;
   if (byRows) {
     if (!result.SetNRowsCols(size, nCols)) return;
@@ -404,7 +410,7 @@ void KXRectMatrix::Expand(const KXBitSet& keep, bool byRows, KXRectMatrix& out) 
 }
 
 bool KXRectMatrix::ExpandSquare(const KXBitSet& keep, KXRectMatrix& out) const {
-  if (nRows != nCols || keep.InSet() < nRows) return false;
+  if (nRows != nCols || keep.InSet() < nRows || !HasConsistentData()) return false;
   std::vector<int> position;
   position.reserve(static_cast<std::size_t>(nRows));
   for (int p = 0; p < keep.Size() && static_cast<int>(position.size()) < nRows; ++p)
@@ -420,7 +426,7 @@ bool KXRectMatrix::ExpandSquare(const KXBitSet& keep, KXRectMatrix& out) const {
 }
 
 bool KXRectMatrix::CreateBlockDiagonal(int nBlocks, KXRectMatrix& out) const {
-  if (nBlocks < 1) return false;
+  if (nBlocks < 1 || !HasConsistentData()) return false;
   const long long rows = static_cast<long long>(nRows) * nBlocks;
   const long long cols = static_cast<long long>(nCols) * nBlocks;
   if (rows > 2147483647LL || cols > 2147483647LL) return false;
@@ -437,7 +443,7 @@ bool KXRectMatrix::CreateBlockDiagonal(int nBlocks, KXRectMatrix& out) const {
 }
 
 bool KXRectMatrix::ShiftColumns(int k, KXRectMatrix& out) {
-  if (k < 0 || static_cast<long long>(nCols) + k > 2147483647LL) return false;
+  if (k < 0 || static_cast<long long>(nCols) + k > 2147483647LL || !HasConsistentData()) return false;
   KXRectMatrix result;
   if (!result.SetNRowsCols(nRows, nCols + k)) return false;
   for (int i = 0; i < nRows; ++i) {
@@ -450,7 +456,7 @@ bool KXRectMatrix::ShiftColumns(int k, KXRectMatrix& out) {
 }
 
 bool KXRectMatrix::ShiftRows(int k, KXRectMatrix& out) {
-  if (k < 0 || static_cast<long long>(nRows) + k > 2147483647LL) return false;
+  if (k < 0 || static_cast<long long>(nRows) + k > 2147483647LL || !HasConsistentData()) return false;
   KXRectMatrix result;
   if (!result.SetNRowsCols(nRows + k, nCols)) return false;
   const std::size_t n = data.size();

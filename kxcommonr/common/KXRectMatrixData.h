@@ -40,6 +40,14 @@ class KXCOMMONR_API KXRectMatrixData {
   // The row-major elements, read only.
   const std::vector<double>& GetData() const { return data; }
 
+  // True when the element vector holds nRows * nCols elements, as it must
+  // (AsVector callers must keep it so). Operations refuse an inconsistent
+  // matrix rather than read past its elements.
+  bool HasConsistentData() const {
+    return nRows >= 0 && nCols >= 0 &&
+           data.size() == static_cast<std::size_t>(nRows) * static_cast<std::size_t>(nCols);
+  }
+
   // Element (i, j); the missing value when i lies outside 0..nRows-1 or j
   // outside 0..nCols-1.
   double GetElem(int i, int j) const;
@@ -66,8 +74,9 @@ class KXCOMMONR_API KXRectMatrixData {
     return static_cast<std::size_t>(i) * static_cast<std::size_t>(nCols) +
            static_cast<std::size_t>(j);
   }
-  bool ValidRow(int i) const { return i >= 0 && i < nRows; }
-  bool ValidCol(int j) const { return j >= 0 && j < nCols; }
+  // Index checks; both also refuse an inconsistent matrix.
+  bool ValidRow(int i) const { return i >= 0 && i < nRows && HasConsistentData(); }
+  bool ValidCol(int j) const { return j >= 0 && j < nCols && HasConsistentData(); }
 
   int nRows;
   int nCols;

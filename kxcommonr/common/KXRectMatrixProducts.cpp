@@ -53,7 +53,7 @@ double KXRectMatrix::DotProductRowRow(int row, const KXRectMatrix& B, int bRow) 
 }
 
 bool KXRectMatrix::ComputeMatrixProduct(const KXRectMatrix& B, KXRectMatrix& out) const {
-  if (nCols != B.nRows) return false;
+  if (nCols != B.nRows || !HasConsistentData() || !B.HasConsistentData()) return false;
   const internal::StridedView a{data.data(), nCols, 1};
   const internal::StridedView b{B.data.data(), B.nCols, 1};
   if (&out != this && &out != &B && out.nRows == nRows && out.nCols == B.nCols) {
@@ -70,7 +70,7 @@ bool KXRectMatrix::ComputeMatrixProduct(const KXRectMatrix& B, KXRectMatrix& out
 }
 
 bool KXRectMatrix::ComputeProductMatrixTrans(const KXRectMatrix& B, KXRectMatrix& out) const {
-  if (nCols != B.nCols) return false;
+  if (nCols != B.nCols || !HasConsistentData() || !B.HasConsistentData()) return false;
   KXRectMatrix result;
   if (!result.SetNRowsCols(nRows, B.nRows)) return false;
   // (A B')(i, j) = sum_p a(i, p) b(j, p): B read through its transposed view.
@@ -82,7 +82,7 @@ bool KXRectMatrix::ComputeProductMatrixTrans(const KXRectMatrix& B, KXRectMatrix
 }
 
 bool KXRectMatrix::ComputeRV(const std::vector<double>& v, std::vector<double>& out) const {
-  if (v.size() != static_cast<std::size_t>(nCols)) return false;
+  if (v.size() != static_cast<std::size_t>(nCols) || !HasConsistentData()) return false;
   std::vector<double> result;
   try {
     result.resize(static_cast<std::size_t>(nRows));
@@ -96,7 +96,7 @@ bool KXRectMatrix::ComputeRV(const std::vector<double>& v, std::vector<double>& 
 }
 
 bool KXRectMatrix::ComputeVR(const std::vector<double>& v, std::vector<double>& out) const {
-  if (v.size() != static_cast<std::size_t>(nRows)) return false;
+  if (v.size() != static_cast<std::size_t>(nRows) || !HasConsistentData()) return false;
   // Row by row, so each output sums over i in increasing order while the
   // inner loop runs over contiguous elements.
   std::vector<double> result;

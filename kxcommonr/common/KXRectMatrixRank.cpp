@@ -91,7 +91,7 @@ int KXRectMatrix::ExtractFullRank(double tol, KXRectMatrix& out, std::vector<int
 }
 
 int KXRectMatrix::CheckAddColRedundancies(const KXBitSet& inModel, KXBitSet& nonRedundant) const {
-  if (inModel.Size() < nCols) return -1;
+  if (inModel.Size() < nCols || !HasConsistentData()) return -1;
   try {
     // The model's columns first, then the candidates, each in increasing
     // order: the Cholesky order decides which of dependent columns stays.
@@ -124,7 +124,9 @@ int KXRectMatrix::CheckAddColRedundancies(const KXBitSet& inModel, KXBitSet& non
 }
 
 bool KXRectMatrix::IsEstimable(const KXRectMatrix& L, const KXBitSet& nonRedundant, double tol) {
-  if (L.nCols != nCols || nonRedundant.Size() < nCols || !(tol >= 0.0)) return false;
+  if (L.nCols != nCols || nonRedundant.Size() < nCols || !(tol >= 0.0) || !HasConsistentData() ||
+      !L.HasConsistentData())
+    return false;
   try {
     std::vector<int> kept;
     std::vector<int> redundant;
@@ -186,7 +188,7 @@ int KXRectMatrix::EstimateLinearGI(const std::vector<double>& y, std::vector<dou
 
 bool KXRectMatrix::ResidOfOrthProjection(const KXRectMatrix& B, double tol, KXBitSet& bNonRedundant,
                                          KXBitSet& residNonZero) {
-  if (B.nRows != nRows || !(tol >= 0.0)) return false;
+  if (B.nRows != nRows || !(tol >= 0.0) || !HasConsistentData() || !B.HasConsistentData()) return false;
   try {
     KXSymMatrix s;
     KXBitSet accepted;
@@ -225,7 +227,8 @@ bool KXRectMatrix::ResidOfOrthProjection(const KXRectMatrix& B, double tol, KXBi
 
 bool KXRectMatrix::SolveLinearSquare(const std::vector<double>& b, std::vector<double>& x, double tol) const {
   const int n = nRows;
-  if (nCols != n || b.size() != static_cast<std::size_t>(n) || !(tol >= 0.0)) return false;
+  if (nCols != n || b.size() != static_cast<std::size_t>(n) || !(tol >= 0.0) || !HasConsistentData())
+    return false;
   try {
     std::vector<double> work(data);
     std::vector<double> rhs(b);

@@ -311,6 +311,15 @@ TEST(KXRectMatrixTest, VectorProductsAndDotProducts) {
   KXRectMatrix untouched(1, 1);
   EXPECT_FALSE(a.ComputeMatrixProduct(a, untouched));
   EXPECT_EQ(untouched.GetNRows(), 1);
+  // A matrix whose element vector was resized through AsVector is refused.
+  KXRectMatrix broken = RandomMatrix(4, 4, gen);
+  broken.AsVector().resize(5);
+  EXPECT_FALSE(broken.HasConsistentData());
+  EXPECT_FALSE(broken.ComputeMatrixProduct(b, untouched));
+  EXPECT_FALSE(a.ComputeProductMatrixTrans(broken, untouched));
+  EXPECT_TRUE(KXMV::IsMissing(broken.GetElem(3, 3)));
+  EXPECT_FALSE(broken.Transpose());
+  EXPECT_EQ(untouched.GetNRows(), 1);
   // The output may be one of the operands.
   KXRectMatrix self(a);
   ASSERT_TRUE(self.ComputeMatrixProduct(b, self));

@@ -38,7 +38,8 @@ void ExpandPacked(const std::vector<double>& packed, int n, std::vector<double>&
 bool KXSymMatrix::UpdateXXMat2(const KXRectMatrix& r1, const KXRectMatrix& r2, double w) {
   const int n = nRows;
   const int cases = r1.GetNRows();
-  if (n < 0 || r1.GetNCols() != n || r2.GetNCols() != n || r2.GetNRows() != cases || !(w > 0.0))
+  if (n < 0 || r1.GetNCols() != n || r2.GetNCols() != n || r2.GetNRows() != cases || !(w > 0.0) ||
+      !HasConsistentData() || !r1.HasConsistentData() || !r2.HasConsistentData())
     return false;
   if (n == 0 || cases == 0) return true;
   // (i, j), j <= i, += sum over cases p of (r2(p, i) * w) * r1(p, j).
@@ -49,7 +50,7 @@ bool KXSymMatrix::UpdateXXMat2(const KXRectMatrix& r1, const KXRectMatrix& r2, d
 
 bool KXSymMatrix::ComputeRS(const KXRectMatrix& R, KXRectMatrix& out) const {
   const int n = nRows;
-  if (n < 0 || R.GetNCols() != n) return false;
+  if (n < 0 || R.GetNCols() != n || !HasConsistentData() || !R.HasConsistentData()) return false;
   try {
     std::vector<double> full;
     ExpandPacked(data, n, full);
@@ -67,7 +68,7 @@ bool KXSymMatrix::ComputeRS(const KXRectMatrix& R, KXRectMatrix& out) const {
 bool KXSymMatrix::ComputeRSRTrans(const KXRectMatrix& R, KXSymMatrix& out) const {
   const int n = nRows;
   const int m = R.GetNRows();
-  if (n < 0 || R.GetNCols() != n) return false;
+  if (n < 0 || R.GetNCols() != n || !HasConsistentData() || !R.HasConsistentData()) return false;
   try {
     std::vector<double> full;
     ExpandPacked(data, n, full);
@@ -89,7 +90,7 @@ bool KXSymMatrix::ComputeRSRTrans(const KXRectMatrix& R, KXSymMatrix& out) const
 bool KXSymMatrix::ComputeRTransSR(const KXRectMatrix& R, KXSymMatrix& out) const {
   const int n = nRows;
   const int q = R.GetNCols();
-  if (n < 0 || R.GetNRows() != n) return false;
+  if (n < 0 || R.GetNRows() != n || !HasConsistentData() || !R.HasConsistentData()) return false;
   try {
     std::vector<double> full;
     ExpandPacked(data, n, full);
@@ -110,7 +111,7 @@ bool KXSymMatrix::ComputeRTransSR(const KXRectMatrix& R, KXSymMatrix& out) const
 
 bool KXSymMatrix::ComputeSS(const KXSymMatrix& T, KXRectMatrix& out) const {
   const int n = nRows;
-  if (n < 0 || T.nRows != n) return false;
+  if (n < 0 || T.nRows != n || !HasConsistentData() || !T.HasConsistentData()) return false;
   try {
     std::vector<double> left;
     std::vector<double> right;
@@ -130,6 +131,7 @@ bool KXSymMatrix::ComputeSS(const KXSymMatrix& T, KXRectMatrix& out) const {
 bool KXSymMatrix::ComputeRByRTrans(const KXRectMatrix& R) {
   const int m = R.GetNRows();
   const int n = R.GetNCols();
+  if (!R.HasConsistentData()) return false;
   try {
     KXSymMatrix result(m);
     if (result.data.size() != PackedSize(m)) return false;
@@ -146,6 +148,7 @@ bool KXSymMatrix::ComputeRByRTrans(const KXRectMatrix& R) {
 bool KXSymMatrix::ComputeRTransByR(const KXRectMatrix& R) {
   const int m = R.GetNRows();
   const int n = R.GetNCols();
+  if (!R.HasConsistentData()) return false;
   try {
     KXSymMatrix result(n);
     if (result.data.size() != PackedSize(n)) return false;
@@ -161,7 +164,7 @@ bool KXSymMatrix::ComputeRTransByR(const KXRectMatrix& R) {
 
 bool KXSymMatrix::CopyRowToRColumn(int i, KXRectMatrix& out, int col, int startRow) const {
   const int n = nRows;
-  if (i < 0 || i >= n || col < 0 || col >= out.GetNCols() || startRow < 0 ||
+  if (i < 0 || i >= n || col < 0 || col >= out.GetNCols() || startRow < 0 || !HasConsistentData() ||
       static_cast<long long>(startRow) + n > out.GetNRows())
     return false;
   for (int j = 0; j < n; ++j) out.SetElem(startRow + j, col, j <= i ? data[PackedIndex(i, j)] : data[PackedIndex(j, i)]);
@@ -170,6 +173,7 @@ bool KXSymMatrix::CopyRowToRColumn(int i, KXRectMatrix& out, int col, int startR
 
 bool KXSymMatrix::ExpandSymToRect(KXRectMatrix& out) const {
   const int n = nRows < 0 ? 0 : nRows;
+  if (!HasConsistentData()) return false;
   try {
     std::vector<double> full;
     ExpandPacked(data, n, full);

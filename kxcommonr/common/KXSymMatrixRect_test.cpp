@@ -110,6 +110,9 @@ TEST(KXSymMatrixRectTest, BlockUpdateRefusals) {
   EXPECT_FALSE(s.UpdateXXMat2(block, RandomMatrix(5, 3, gen), 1.0));
   EXPECT_FALSE(s.UpdateXXMat2(block, RandomMatrix(4, 2, gen), 1.0));
   EXPECT_FALSE(s.UpdateXXMat2(RandomMatrix(4, 2, gen), RandomMatrix(4, 2, gen), 1.0));
+  KXRectMatrix broken(block);
+  broken.AsVector().resize(11);
+  EXPECT_FALSE(s.UpdateXXMat2(block, broken, 1.0));
   EXPECT_TRUE(SamePacked(s, before));
 }
 
