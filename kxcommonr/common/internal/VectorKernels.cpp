@@ -54,10 +54,10 @@ std::ptrdiff_t PeelTo64(const double* p, std::ptrdiff_t n) {
 }
 #endif
 
-// Elements per block of the scaled norm, and the leading elements in which
-// it looks for each new maximum directly rather than block by block.
+// Elements per block of the scaled norm, and the position from which a
+// block is first checked for a new maximum as a whole.
 constexpr std::ptrdiff_t kNormBlock = 64;
-constexpr std::ptrdiff_t kNormScanPrefix = 512;
+constexpr std::ptrdiff_t kNormCheckFrom = 256;
 
 // One pass with 32 lanes, each keeping its largest magnitude and the first
 // position where it occurred (strict >, so NaNs never enter). The answer is
@@ -143,63 +143,83 @@ KX_DISPATCH double ScaledNormUnit(std::ptrdiff_t n, const double* x) {
   } while (0)
   // Until a positive scale exists the divisions below are not defined.
   for (; k < n && !(scale > 0.0); ++k) KX_NORM_STEP(x[k]);
-  // Then block by block. The elements before the next one that raises the
-  // scale keep it, so each of their terms is (|x|/scale)^2, computed side by
-  // side and then added in index order. A zero adds exactly 0 to ssq (>= 1
-  // or NaN), as skipping it would; a NaN never raises the scale, in both.
+  // Then block by block: every term of the block is computed side by side
+  // with the scale in force, (|x|/scale)^2, and the terms are added in index
+  // order. An element that raises the scale takes the sequential step, and
+  // the block's terms are recomputed with the new scale. A zero adds exactly
+  // 0 to ssq (>= 1 or NaN), as skipping it would; a NaN never raises the
+  // scale, in both.
   double squares[kNormBlock];
   while (k < n) {
     const std::ptrdiff_t limit = n - k < kNormBlock ? n - k : kNormBlock;
     const double* block = x + k;
-    std::ptrdiff_t run = 0;
-    std::ptrdiff_t j = 0;
-    if (k < kNormScanPrefix) {
-      // Early on new maxima are frequent: look for the next one directly.
-      while (run < limit && !(std::fabs(block[run]) > scale)) ++run;
-    } else {
-      // Later they are rare: the block's largest non-NaN magnitude, over
-      // independent lanes, usually shows the whole block is one run.
+    const std::ptrdiff_t groups = limit / 8;
+    // Past the first blocks new maxima are rare: when the block's largest
+    // non-NaN magnitude keeps the scale, its terms are simply added.
+    double blockMax = scale + 1.0;
+    if (k >= kNormCheckFrom) {
       double lanes[8] = {0.0, 0.0, 0.0, 0.0, 0.0, 0.0, 0.0, 0.0};
-      for (; j + 8 <= limit; j += 8) {
+      for (std::ptrdiff_t g = 0; g < groups; ++g) {
         for (int l = 0; l < 8; ++l) {
-          const double magnitude = std::fabs(block[j + l]);
+          const double magnitude = std::fabs(block[8 * g + l]);
           lanes[l] = magnitude > lanes[l] ? magnitude : lanes[l];
         }
       }
-      for (; j < limit; ++j) {
-        const double magnitude = std::fabs(block[j]);
+      for (std::ptrdiff_t t = 8 * groups; t < limit; ++t) {
+        const double magnitude = std::fabs(block[t]);
         lanes[0] = magnitude > lanes[0] ? magnitude : lanes[0];
       }
-      double blockMax = lanes[0];
-      for (int l = 1; l < 8; ++l) {
-        blockMax = lanes[l] > blockMax ? lanes[l] : blockMax;
+      blockMax = lanes[0];
+      for (int l = 1; l < 8; ++l) blockMax = lanes[l] > blockMax ? lanes[l] : blockMax;
+    }
+    if (!(blockMax > scale)) {
+      for (std::ptrdiff_t g = 0; g < groups; ++g) {
+        for (int l = 0; l < 8; ++l) {
+          const double ratio = std::fabs(block[8 * g + l]) / scale;
+          squares[8 * g + l] = ratio * ratio;
+        }
       }
-      run = limit;
-      if (blockMax > scale) {
-        run = 0;
-        while (!(std::fabs(block[run]) > scale)) ++run;
+      for (std::ptrdiff_t t = 8 * groups; t < limit; ++t) {
+        const double ratio = std::fabs(block[t]) / scale;
+        squares[t] = ratio * ratio;
+      }
+      for (std::ptrdiff_t j = 0; j < limit; ++j) ssq += squares[j];
+      k += limit;
+      continue;
+    }
+    bool fresh = false;
+    int raised = 0;
+    for (std::ptrdiff_t j = 0; j < limit; ++j) {
+      if (!fresh) {
+        for (std::ptrdiff_t g = 0; g < groups; ++g) {
+          for (int l = 0; l < 8; ++l) {
+            const double ratio = std::fabs(block[8 * g + l]) / scale;
+            squares[8 * g + l] = ratio * ratio;
+          }
+        }
+        for (std::ptrdiff_t t = 8 * groups; t < limit; ++t) {
+          const double ratio = std::fabs(block[t]) / scale;
+          squares[t] = ratio * ratio;
+        }
+        fresh = true;
+      }
+      const double magnitude = std::fabs(block[j]);
+      if (magnitude > scale) {
+        const double ratio = scale / magnitude;
+        ssq = 1.0 + ssq * (ratio * ratio);
+        scale = magnitude;
+        fresh = false;
+        if (++raised == 4) {
+          // Rising data: recomputing the block after every new maximum
+          // would cost more than the plain steps for the rest of it.
+          for (std::ptrdiff_t t = j + 1; t < limit; ++t) KX_NORM_STEP(block[t]);
+          break;
+        }
+      } else {
+        ssq += squares[j];
       }
     }
-    // Whole groups of eight (a few terms past the run may be computed and
-    // not used), so that short runs need no element-by-element division.
-    std::ptrdiff_t groups = (run + 7) / 8;
-    if (groups > limit / 8) groups = limit / 8;
-    for (std::ptrdiff_t g = 0; g < groups; ++g) {
-      for (int l = 0; l < 8; ++l) {
-        const double ratio = std::fabs(block[8 * g + l]) / scale;
-        squares[8 * g + l] = ratio * ratio;
-      }
-    }
-    for (j = 8 * groups; j < run; ++j) {
-      const double ratio = std::fabs(block[j]) / scale;
-      squares[j] = ratio * ratio;
-    }
-    for (j = 0; j < run; ++j) ssq += squares[j];
-    if (run < limit) {
-      KX_NORM_STEP(block[run]);  // raises the scale
-      ++run;
-    }
-    k += run;
+    k += limit;
   }
 #undef KX_NORM_STEP
   return scale * std::sqrt(ssq);
