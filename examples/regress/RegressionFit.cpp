@@ -2,9 +2,9 @@
 #include "examples/regress/RegressionFit.h"
 
 #include <cmath>
-#include <cstdio>
 #include <utility>
 
+#include "examples/regress/RegressionReport.h"
 #include "kxcommonr/common/KXDistFun.h"
 #include "kxcommonr/common/KXMV.h"
 #include "kxcommonr/common/KXRectMatrix.h"
@@ -22,13 +22,6 @@ bool Fail(FitError& error, FitErrorKind kind, std::string message) {
   error.kind = kind;
   error.message = std::move(message);
   return false;
-}
-
-std::string CountText(double count) {
-  // Sums of frequency weights are usually whole numbers; print them so.
-  char buffer[32];
-  std::snprintf(buffer, sizeof buffer, "%.15g", count);
-  return buffer;
 }
 
 // The columns of the model as the cross-product matrix orders them:
@@ -246,7 +239,7 @@ bool FitRegression(const CsvTable& table, const RegressionModel& model, Regressi
   const int numParameters = p + (model.intercept ? 1 : 0);
   if (sumWeights < numParameters) {
     return Fail(error, FitErrorKind::kTooFewCases,
-                "fewer cases (" + CountText(sumWeights) + ") than parameters (" +
+                "fewer cases (" + FormatNumber(sumWeights, 15) + ") than parameters (" +
                     std::to_string(numParameters) + ")");
   }
   if (!std::isfinite(sumWeights)) {
@@ -259,7 +252,8 @@ bool FitRegression(const CsvTable& table, const RegressionModel& model, Regressi
   // correction delta, and since the weighted deviations from the corrected
   // means sum to zero,
   //   sum w (x - m0)(x - m0)' = sum w (x - m)(x - m)' + W delta delta',
-  // a rank-one downdate with weight -W centres the matrix exactly.
+  // a rank-one downdate with weight -W centres the matrix on the corrected
+  // means.
   std::vector<double> mean(static_cast<std::size_t>(order), 0.0);
   if (model.intercept) {
     for (std::size_t k = 0; k < mean.size(); ++k) mean[k] = sums[k] / sumWeights;
