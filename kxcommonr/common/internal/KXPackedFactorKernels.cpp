@@ -119,6 +119,13 @@ KX_INLINE void Axpy(double* y, const double* x, double c, std::int64_t count) {
     StoreU<V>(y + j, y0);
     StoreU<V>(y + j + L, y1);
   }
+  for (; j + L <= count; j += L) {
+    V y0, x0;
+    LoadU(y0, y + j);
+    LoadU(x0, x + j);
+    y0 = y0 + c * x0;
+    StoreU<V>(y + j, y0);
+  }
   for (; j < count; ++j) y[j] = y[j] + c * x[j];
 }
 
