@@ -350,7 +350,7 @@ __attribute__((target("avx512f"))) void RunAvx512(const MultiplyArgs& args) {
 }
 
 __attribute__((target("avx2"))) void RunAvx2(const MultiplyArgs& args) {
-  RunVector<4, 2, Vec4>(args);
+  RunVector<6, 2, Vec4>(args);
 }
 
 void RunBaseline(const MultiplyArgs& args) { RunVector<4, 2, Vec2>(args); }
