@@ -262,8 +262,6 @@ void RegisterAll() {
   }
 }
 
-}  // namespace
-
 // The summations promise the reference order of additions: check the bits
 // against the reference BLAS on the benchmark inputs and report it.
 void ReportBitIdentity() {
@@ -284,12 +282,9 @@ void ReportBitIdentity() {
   benchmark::AddCustomContext("DDot/DASum bit-identical to refblas", same ? "yes" : "NO");
 }
 
-int main(int argc, char** argv) {
-  RegisterAll();
-  ReportBitIdentity();
-  benchmark::Initialize(&argc, argv);
-  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
-  benchmark::RunSpecifiedBenchmarks();
-  benchmark::Shutdown();
-  return 0;
-}
+// Registered before the benchmark main runs.
+[[maybe_unused]] const bool kRegistered = (RegisterAll(), ReportBitIdentity(), true);
+
+}  // namespace
+
+BENCHMARK_MAIN();

@@ -182,12 +182,12 @@ TEST(Blas1Test, NormNeitherOverflowsNorUnderflows) {
 TEST(Blas1Test, NormPropagatesNaNAndInfinityLikeTheSequentialAlgorithm) {
   for (int n : {3, 70, 300}) {
     for (int where : {0, 1, n - 1}) {
-      for (double special : {kNaN, kInf, -kInf}) {
+      for (double oddValue : {kNaN, kInf, -kInf}) {
         std::vector<double> x(static_cast<std::size_t>(n), 1.5);
-        x[static_cast<std::size_t>(where)] = special;
+        x[static_cast<std::size_t>(where)] = oddValue;
         EXPECT_TRUE(SameBits(Blas1::DNrm2(n, x.data(), 1),
                              ScaledNormReference(n, x.data(), 1)))
-            << "n=" << n << " at " << where << " value " << special;
+            << "n=" << n << " at " << where << " value " << oddValue;
       }
     }
   }
@@ -371,7 +371,7 @@ TEST(Blas1Test, MachineConstants) {
 
 TEST(Blas1DeathTest, XErBlaReportsAndExitsWithStatusOne) {
   // The report goes to standard output; route it to the error stream, which
-  // the death test inspects.
+  // the death test examines.
   EXPECT_EXIT(
       {
         std::cout.rdbuf(std::cerr.rdbuf());
