@@ -44,12 +44,16 @@ void AppendShortDouble(std::string& line, double v) {
 }
 
 // "name (size = n)".
-void EmitSizeHeader(const std::string& name, std::size_t size) {
+void EmitSizeHeader(const std::string& name, int size) {
   std::string line = name;
   line += " (size =";
-  AppendFormatted(line, " %d", static_cast<int>(size));
+  AppendFormatted(line, " %d", size);
   line += ")";
   EmitLine(line);
+}
+
+void EmitSizeHeader(const std::string& name, std::size_t size) {
+  EmitSizeHeader(name, static_cast<int>(size));
 }
 
 // Emits the element texts produced by `append(line, k)` for k < count,
@@ -122,7 +126,7 @@ void DisplayS(std::string name, std::string v) {
 
 void DisplayDA(std::string name, const double* a, int n, bool showSize) {
   if (showSize) {
-    EmitSizeHeader(name, n > 0 ? static_cast<std::size_t>(n) : 0);
+    EmitSizeHeader(name, n);  // the count as given, even a negative one
   } else {
     EmitLine(name);
   }

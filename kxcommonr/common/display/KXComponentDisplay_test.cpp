@@ -98,6 +98,10 @@ TEST(KXComponentDisplayTest, DoubleArrayHeaderWithAndWithoutSize) {
   DisplayDA("a", values, 3, true);
   DisplayDA("a", values, 2, false);
   EXPECT_EQ(capture.Text(), "\na (size = 3)\n  1.5 miss -2\na\n  1.5 miss");
+  capture.Reset();
+  DisplayDA("a", nullptr, 3, true);
+  DisplayDA("a", values, -1, true);
+  EXPECT_EQ(capture.Text(), "\na (size = 3)\na (size = -1)");
 }
 
 TEST(KXComponentDisplayTest, IntegerUnsignedAndBoolBatchSizes) {
