@@ -553,11 +553,18 @@ KX_INLINE void SweepRowChunked(double* a, int n, int k) {
   if (n <= kSweepChunk) {
     // One chunk: each row's element of column k is rescaled right after the
     // row is updated (nothing later reads its old value).
-    for (int j = 0; j < n; ++j) column[j] = j == k ? 0.0 : oldColumnValue(j) / absD;
+    // Upwards, row i needs the column only up to i, so the values below
+    // row k are picked up as their rows are reached; downwards they are
+    // gathered first.
+    for (int j = 0; j < k; ++j) column[j] = a[rowK + j] / absD;
+    column[k] = 0.0;
+    if (downwards)
+      for (int j = k + 1; j < n; ++j) column[j] = a[PackedAt(j, k)] / absD;
     for (int step = 0; step < n; ++step) {
       const int i = downwards ? n - 1 - step : step;
       if (i == k) continue;
       const double old = oldColumnValue(i);
+      if (i > k) column[i] = old / absD;
       SweepUpdateRow<Isa>(a, i, k, 0, n, negate ? -old : old, column);
       if (i > k) a[PackedAt(i, k)] = column[i];
     }
