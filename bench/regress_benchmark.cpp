@@ -6,9 +6,10 @@
 // N cases held in memory (CSV parsing excluded), through the program's path
 // (means, centred cross-products by UpdateXX per case or UpdateXXMat2 over
 // blocks, Sweep, residual pass), against the same fit by OpenBLAS on one
-// thread: the same centring and residual pass, the centred cross-products by
-// dsyrk_ on blocks of cases, and dpotrf_/dpotrs_/dpotri_ for coefficients and
-// the inverse's diagonal. Report ours/peer from the same run.
+// thread: the same centring, the centred cross-products by dsyrk_ on blocks
+// of cases, dpotrf_/dpotrs_/dpotri_ for coefficients and the inverse's
+// diagonal, and the residual sum of squares through dgemv_ on blocks of
+// cases. Report ours/peer from the same run.
 //
 // CSV: parsing N x 20 numbers of CSV text (bytes per second), from memory and
 // from a file, against a plain strtod loop over the same text.
@@ -105,6 +106,8 @@ using DpotrfFn = void (*)(const char*, const int*, double*, const int*, int*);
 using DpotrsFn = void (*)(const char*, const int*, const int*, const double*, const int*, double*,
                           const int*, int*);
 using DpotriFn = void (*)(const char*, const int*, double*, const int*, int*);
+using DgemvFn = void (*)(const char*, const int*, const int*, const double*, const double*,
+                         const int*, const double*, const int*, const double*, double*, const int*);
 
 // The same fit on normal equations with OpenBLAS; returns false when a
 // routine is missing or the factorisation fails.
@@ -115,7 +118,8 @@ bool FitOpenBlas(const CsvTable& table, int block, std::vector<double>& beta,
   const auto dpotrf = peer.Get<DpotrfFn>("dpotrf_");
   const auto dpotrs = peer.Get<DpotrsFn>("dpotrs_");
   const auto dpotri = peer.Get<DpotriFn>("dpotri_");
-  if (!dsyrk || !dpotrf || !dpotrs || !dpotri) return false;
+  const auto dgemv = peer.Get<DgemvFn>("dgemv_");
+  if (!dsyrk || !dpotrf || !dpotrs || !dpotri || !dgemv) return false;
   const int order = kPredictors + 1;  // predictors, then y
   const std::size_t numRows = table.NumRows();
   auto column = [](int k) { return k < kPredictors ? k + 1 : 0; };
@@ -173,13 +177,26 @@ bool FitOpenBlas(const CsvTable& table, int block, std::vector<double>& beta,
   inverseDiagonal.resize(p);
   for (int j = 0; j < p; ++j) inverseDiagonal[j] = cross[static_cast<std::size_t>(j) * order + j];
 
+  // Residuals by dgemv_ on blocks of the cases as stored (a block is a
+  // column-major 21 x B matrix): fitted = x'b + intercept.
+  std::vector<double> coefficientsByColumn(order, 0.0);
+  double intercept = mean[p];
+  for (int k = 0; k < p; ++k) {
+    coefficientsByColumn[column(k)] = beta[k];
+    intercept -= beta[k] * mean[k];
+  }
+  std::vector<double> fitted(static_cast<std::size_t>(block));
+  const double zero = 0.0;
+  const int unit = 1;
   rss = 0.0;
-  for (std::size_t r = 0; r < numRows; ++r) {
-    const double* row = table.Row(r);
-    double fitted = 0.0;
-    for (int k = 0; k < p; ++k) fitted += beta[k] * (row[column(k)] - mean[k]);
-    const double residual = (row[0] - mean[p]) - fitted;
-    rss += residual * residual;
+  for (std::size_t start = 0; start < numRows; start += static_cast<std::size_t>(block)) {
+    const int rows = static_cast<int>(std::min<std::size_t>(block, numRows - start));
+    dgemv("T", &order, &rows, &one, table.Row(start), &order, coefficientsByColumn.data(), &unit,
+          &zero, fitted.data(), &unit);
+    for (int q = 0; q < rows; ++q) {
+      const double residual = table.Row(start + static_cast<std::size_t>(q))[0] - intercept - fitted[q];
+      rss += residual * residual;
+    }
   }
   return true;
 }

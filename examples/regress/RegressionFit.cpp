@@ -173,25 +173,44 @@ std::string NoUsableCasesMessage(const RegressionFit& fit, std::size_t numRows) 
 }
 
 // Weighted residual and total sums of squares of the centred (or raw) target.
+// Cases go four at a time, each case's fitted value summed in predictor
+// order on its own: the same arithmetic as one case at a time, without one
+// long chain of dependent additions.
 void ResidualSums(const CsvTable& table, const Layout& layout, const std::vector<double>& weights,
                   const std::vector<double>& mean, const std::vector<double>& beta, double& rss,
                   double& tss) {
+  constexpr int kLanes = 4;
   const std::size_t targetSlot = beta.size();
+  const int targetColumn = layout.columns[targetSlot];
+  const double targetMean = mean[targetSlot];
+  const double* rows[kLanes] = {};
+  double caseWeights[kLanes] = {};
   rss = 0.0;
   tss = 0.0;
-  for (std::size_t r = 0; r < table.NumRows(); ++r) {
-    const double w = weights[r];
-    if (w == 0.0) continue;
-    const double* row = table.Row(r);
-    const double y = row[layout.columns[targetSlot]] - mean[targetSlot];
-    double fitted = 0.0;
+  auto addCases = [&](int count) {
+    double fitted[kLanes] = {};
     for (std::size_t k = 0; k < targetSlot; ++k) {
-      fitted += beta[k] * (row[layout.columns[k]] - mean[k]);
+      const int column = layout.columns[k];
+      for (int c = 0; c < count; ++c) fitted[c] += beta[k] * (rows[c][column] - mean[k]);
     }
-    const double residual = y - fitted;
-    rss += w * residual * residual;
-    tss += w * y * y;
+    for (int c = 0; c < count; ++c) {
+      const double y = rows[c][targetColumn] - targetMean;
+      const double residual = y - fitted[c];
+      rss += caseWeights[c] * residual * residual;
+      tss += caseWeights[c] * y * y;
+    }
+  };
+  int filled = 0;
+  for (std::size_t r = 0; r < table.NumRows(); ++r) {
+    if (weights[r] == 0.0) continue;
+    rows[filled] = table.Row(r);
+    caseWeights[filled] = weights[r];
+    if (++filled == kLanes) {
+      addCases(filled);
+      filled = 0;
+    }
   }
+  addCases(filled);
 }
 
 // Standard error, t value and two-sided p-value of an estimate whose
