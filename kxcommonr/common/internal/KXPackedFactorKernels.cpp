@@ -558,8 +558,14 @@ KX_INLINE void SweepRowChunked(double* a, int n, int k) {
     // gathered first.
     for (int j = 0; j < k; ++j) column[j] = a[rowK + j] / absD;
     column[k] = 0.0;
-    if (downwards)
-      for (int j = k + 1; j < n; ++j) column[j] = a[PackedAt(j, k)] / absD;
+    if (downwards) {
+      for (int j = k + 1; j < n; ++j) {
+#if KX_FACTOR_DISPATCH
+        if (j + 16 < n) __builtin_prefetch(a + PackedAt(j + 16, k));
+#endif
+        column[j] = a[PackedAt(j, k)] / absD;
+      }
+    }
     for (int step = 0; step < n; ++step) {
       const int i = downwards ? n - 1 - step : step;
       if (i == k) continue;
