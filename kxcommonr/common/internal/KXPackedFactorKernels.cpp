@@ -793,9 +793,37 @@ void PackedLowerLowerTrans(double* a, int n) {
   // Rows from the last: row i of M M' needs rows 0..i of M, and within the
   // row columns from the diagonal down, so nothing is read after it is
   // overwritten.
+  // Four outputs of a row are summed side by side (independent sums, each
+  // still in the order m = 0, 1, ..., j).
   for (std::int64_t i = n - 1; i >= 0; --i) {
     double* rowI = a + PackedAt(i, 0);
-    for (std::int64_t j = i; j >= 0; --j) {
+    std::int64_t j = i;
+    for (; j >= 3; j -= 4) {
+      const std::int64_t j0 = j - 3;
+      const double* r0 = a + PackedAt(j0, 0);
+      const double* r1 = a + PackedAt(j0 + 1, 0);
+      const double* r2 = a + PackedAt(j0 + 2, 0);
+      const double* r3 = a + PackedAt(j0 + 3, 0);
+      double s0 = 0.0, s1 = 0.0, s2 = 0.0, s3 = 0.0;
+      for (std::int64_t m = 0; m <= j0; ++m) {
+        const double x = rowI[m];
+        s0 = s0 + x * r0[m];
+        s1 = s1 + x * r1[m];
+        s2 = s2 + x * r2[m];
+        s3 = s3 + x * r3[m];
+      }
+      s1 = s1 + rowI[j0 + 1] * r1[j0 + 1];
+      s2 = s2 + rowI[j0 + 1] * r2[j0 + 1];
+      s3 = s3 + rowI[j0 + 1] * r3[j0 + 1];
+      s2 = s2 + rowI[j0 + 2] * r2[j0 + 2];
+      s3 = s3 + rowI[j0 + 2] * r3[j0 + 2];
+      s3 = s3 + rowI[j0 + 3] * r3[j0 + 3];
+      rowI[j0] = s0;
+      rowI[j0 + 1] = s1;
+      rowI[j0 + 2] = s2;
+      rowI[j0 + 3] = s3;
+    }
+    for (; j >= 0; --j) {
       const double* rowJ = a + PackedAt(j, 0);
       double s = 0.0;
       for (std::int64_t m = 0; m <= j; ++m) s = s + rowI[m] * rowJ[m];
