@@ -67,41 +67,53 @@ std::vector<double> ToSquare(const std::vector<double>& packed, std::size_t n) {
   return full;
 }
 
-// v'Sw over strided arrays as a sum of row totals, added in row order:
-// row i's total is the sum over j < i of a_ij (v_i w_j + v_j w_i), in
-// increasing j, plus a_ii v_i w_i. Four rows are summed side by side so
-// that their adds overlap; every total is formed as it would be alone.
+// v'Sw over strided arrays as a sum of row totals, added in row order.
+// Row i's total is v_i (sum over j < i of a_ij w_j) + w_i (sum over j < i
+// of a_ij v_j) + a_ii v_i w_i, each inner sum in increasing j. Four rows
+// are summed side by side (eight independent sums, so their adds overlap);
+// every total is formed exactly as it would be alone.
 double QuadraticForm(const double* packed, std::size_t n, const double* v,
                      std::size_t incv, const double* w, std::size_t incw) {
   double sum = 0.0;
   std::size_t i = 0;
   for (; i + 4 <= n; i += 4) {
-    const double* a[4];
-    double vi[4], wi[4], total[4] = {0.0, 0.0, 0.0, 0.0};
-    for (std::size_t r = 0; r < 4; ++r) {
-      a[r] = packed + (i + r) * (i + r + 1) / 2;
-      vi[r] = v[(i + r) * incv];
-      wi[r] = w[(i + r) * incw];
-    }
+    const double* a0 = packed + i * (i + 1) / 2;
+    const double* a1 = a0 + i + 1;
+    const double* a2 = a1 + i + 2;
+    const double* a3 = a2 + i + 3;
+    double dw0 = 0.0, dw1 = 0.0, dw2 = 0.0, dw3 = 0.0;
+    double dv0 = 0.0, dv1 = 0.0, dv2 = 0.0, dv3 = 0.0;
     for (std::size_t j = 0; j < i; ++j) {
       const double vj = v[j * incv], wj = w[j * incw];
-      for (std::size_t r = 0; r < 4; ++r) total[r] += a[r][j] * (vi[r] * wj + vj * wi[r]);
+      dw0 += a0[j] * wj;
+      dv0 += a0[j] * vj;
+      dw1 += a1[j] * wj;
+      dv1 += a1[j] * vj;
+      dw2 += a2[j] * wj;
+      dv2 += a2[j] * vj;
+      dw3 += a3[j] * wj;
+      dv3 += a3[j] * vj;
     }
+    const double* rows[4] = {a0, a1, a2, a3};
+    double dw[4] = {dw0, dw1, dw2, dw3}, dv[4] = {dv0, dv1, dv2, dv3};
     for (std::size_t r = 0; r < 4; ++r) {
       for (std::size_t j = i; j < i + r; ++j) {
-        total[r] += a[r][j] * (vi[r] * w[j * incw] + v[j * incv] * wi[r]);
+        dw[r] += rows[r][j] * w[j * incw];
+        dv[r] += rows[r][j] * v[j * incv];
       }
-      total[r] += a[r][i + r] * vi[r] * wi[r];
+      const double vi = v[(i + r) * incv], wi = w[(i + r) * incw];
+      sum += (vi * dw[r] + wi * dv[r]) + rows[r][i + r] * vi * wi;
     }
-    for (std::size_t r = 0; r < 4; ++r) sum += total[r];
   }
   for (; i < n; ++i) {
     const double* a = packed + i * (i + 1) / 2;
+    double dw = 0.0, dv = 0.0;
+    for (std::size_t j = 0; j < i; ++j) {
+      dw += a[j] * w[j * incw];
+      dv += a[j] * v[j * incv];
+    }
     const double vi = v[i * incv], wi = w[i * incw];
-    double total = 0.0;
-    for (std::size_t j = 0; j < i; ++j) total += a[j] * (vi * w[j * incw] + v[j * incv] * wi);
-    total += a[i] * vi * wi;
-    sum += total;
+    sum += (vi * dw + wi * dv) + a[i] * vi * wi;
   }
   return sum;
 }
