@@ -3,13 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstdint>
-#include <cstring>
-#include <utility>
 #include <iostream>
 #include <limits>
 #include <random>
+#include <utility>
 #include <vector>
+
+#include "kxcommonr/testing/BitCheck.h"
 
 namespace {
 
@@ -18,25 +18,8 @@ using KXCommon::Blas1;
 const double kNaN = std::numeric_limits<double>::quiet_NaN();
 const double kInf = std::numeric_limits<double>::infinity();
 
-// Bitwise equality, so that NaNs and signed zeros count.
-::testing::AssertionResult SameBits(double a, double b) {
-  std::uint64_t ua, ub;
-  std::memcpy(&ua, &a, sizeof a);
-  std::memcpy(&ub, &b, sizeof b);
-  if (ua == ub) return ::testing::AssertionSuccess();
-  return ::testing::AssertionFailure()
-         << a << " and " << b << " differ in their bits";
-}
-
-std::vector<double> RandomVector(std::size_t n, std::mt19937_64& rng) {
-  // Wide exponent range and mixed signs, so that the order of additions
-  // shows in the last bits.
-  std::uniform_real_distribution<double> mantissa(-1.0, 1.0);
-  std::uniform_int_distribution<int> exponent(-20, 20);
-  std::vector<double> v(n);
-  for (double& x : v) x = std::ldexp(mantissa(rng), exponent(rng));
-  return v;
-}
+using kxtesting::SameBits;
+const auto& RandomVector = kxtesting::WideRandomVector;
 
 // Memory index of element k under the reference stride rule.
 std::ptrdiff_t At(int n, int inc, int k) {
