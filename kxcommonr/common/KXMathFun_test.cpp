@@ -5,14 +5,13 @@
 #include <algorithm>
 #include <cfloat>
 #include <cmath>
-#include <cstdint>
-#include <cstring>
 #include <limits>
 #include <random>
 #include <vector>
 
 #include "kxcommonr/common/Blas1.h"
 #include "kxcommonr/common/KXMV.h"
+#include "kxcommonr/testing/BitCheck.h"
 
 namespace {
 
@@ -21,21 +20,9 @@ using KXCommon::KXMathFun;
 using KXCommon::KXMV;
 using Vec = std::vector<double>;
 
-::testing::AssertionResult SameBits(double a, double b) {
-  std::uint64_t ua, ub;
-  std::memcpy(&ua, &a, sizeof a);
-  std::memcpy(&ub, &b, sizeof b);
-  if (ua == ub) return ::testing::AssertionSuccess();
-  return ::testing::AssertionFailure() << a << " and " << b << " differ";
-}
+using kxtesting::SameBits;
 
-Vec RandomVector(std::size_t n, std::mt19937_64& rng) {
-  std::uniform_real_distribution<double> mantissa(-1.0, 1.0);
-  std::uniform_int_distribution<int> exponent(-20, 20);
-  Vec v(n);
-  for (double& x : v) x = std::ldexp(mantissa(rng), exponent(rng));
-  return v;
-}
+const auto& RandomVector = kxtesting::WideRandomVector;
 
 // Index of element k of a walk that starts at off - (n-1)*inc for inc < 0.
 std::size_t At(int n, int off, int inc, int k) {
@@ -43,17 +30,12 @@ std::size_t At(int n, int off, int inc, int k) {
   return static_cast<std::size_t>(first + k * inc);
 }
 
-// Full n x n matrix from packed lower-triangular storage.
+// Full n x n matrix from packed lower-triangular storage, read in order.
 std::vector<Vec> Unpacked(const Vec& packed, int n) {
-  std::vector<Vec> full(static_cast<std::size_t>(n), Vec(static_cast<std::size_t>(n)));
+  std::vector<Vec> full(n, Vec(n));
   std::size_t p = 0;
-  for (int i = 0; i < n; ++i) {
-    for (int j = 0; j <= i; ++j) {
-      full[static_cast<std::size_t>(i)][static_cast<std::size_t>(j)] = packed[p];
-      full[static_cast<std::size_t>(j)][static_cast<std::size_t>(i)] = packed[p];
-      ++p;
-    }
-  }
+  for (int i = 0; i < n; ++i)
+    for (int j = 0; j <= i; ++j) full[i][j] = full[j][i] = packed[p++];
   return full;
 }
 
@@ -230,27 +212,16 @@ TEST(KXMathFunTest, PackedRowProductsAndQuadraticFormsMatchTheFullMatrix) {
     const Vec packed = RandomVector(static_cast<std::size_t>(n * (n + 1) / 2), rng);
     const std::vector<Vec> full = Unpacked(packed, n);
     const Vec x = RandomVector(static_cast<std::size_t>(2 * n), rng);
-    for (int row = 0; row < n; ++row) {
-      double expected = 0.0;
-      for (int j = 0; j < n; ++j) {
-        expected += full[static_cast<std::size_t>(row)][static_cast<std::size_t>(j)] *
-                    x[static_cast<std::size_t>(2 * j)];
-      }
-      EXPECT_TRUE(SameBits(KXMathFun::RVD(packed, n, row, x, 2), expected));
-    }
-    long double form = 0;
+    long double form = 0, magnitude = 0;
     for (int i = 0; i < n; ++i) {
+      double row = 0.0;
       for (int j = 0; j < n; ++j) {
-        form += static_cast<long double>(full[static_cast<std::size_t>(i)][static_cast<std::size_t>(j)]) *
-                x[static_cast<std::size_t>(i)] * x[static_cast<std::size_t>(j)];
+        row += full[i][j] * x[2 * j];
+        const long double term = static_cast<long double>(full[i][j]) * x[i] * x[j];
+        form += term;
+        magnitude += std::fabs(term);
       }
-    }
-    long double magnitude = 0;
-    for (int i = 0; i < n; ++i) {
-      for (int j = 0; j < n; ++j) {
-        magnitude += std::fabs(full[static_cast<std::size_t>(i)][static_cast<std::size_t>(j)] *
-                               x[static_cast<std::size_t>(i)] * x[static_cast<std::size_t>(j)]);
-      }
+      EXPECT_TRUE(SameBits(KXMathFun::RVD(packed, n, i, x, 2), row));
     }
     EXPECT_NEAR(KXMathFun::VSV(packed, n, x), static_cast<double>(form),
                 1e-15 * n * static_cast<double>(magnitude));
