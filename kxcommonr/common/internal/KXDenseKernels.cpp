@@ -18,17 +18,9 @@
 #include <string>
 #include <vector>
 
-// KX_DENSE_PORTABLE_ONLY builds the plain scalar path alone (as for a
-// compiler without GNU vector extensions), to test it.
-#if (defined(__GNUC__) || defined(__clang__)) && !defined(KX_DENSE_PORTABLE_ONLY)
-#if defined(__x86_64__) || defined(__i386__)
-#define KX_DENSE_X86_DISPATCH 1
-#endif
-#define KX_DENSE_VECTOR_EXT 1
-#define KX_DENSE_INLINE inline __attribute__((always_inline))
-#else
-#define KX_DENSE_INLINE inline
-#endif
+// KXCOMMONR_NO_DISPATCH builds the plain scalar path alone (as for a
+// compiler without GNU vector extensions), which also tests it.
+#include "kxcommonr/common/internal/KXDispatch.h"
 
 namespace KXCommon {
 namespace internal {
@@ -62,7 +54,7 @@ PackBuffers& ThreadBuffers() {
 // Packs rows i0..i0+mc-1, depth p0..p0+kc-1 of a into MR-row panels:
 // panel q holds, for each p, MR consecutive values a(i, p) * scale.
 template <int MR>
-KX_DENSE_INLINE void PackA(const StridedView& a, int i0, int mc, int p0, int kc, double scale,
+KX_ALWAYS_INLINE void PackA(const StridedView& a, int i0, int mc, int p0, int kc, double scale,
                            bool scaled, double* out) {
   if (a.rowStride == 1) {
     // For each p the rows are contiguous in memory (a transposed view, as
@@ -105,7 +97,7 @@ KX_DENSE_INLINE void PackA(const StridedView& a, int i0, int mc, int p0, int kc,
 // panel q holds, for each p, NR consecutive values b(p, j). Streams through
 // the p's once, filling every panel from each.
 template <int NR>
-KX_DENSE_INLINE void PackB(const StridedView& b, int p0, int kc, int j0, int nc, double* out) {
+KX_ALWAYS_INLINE void PackB(const StridedView& b, int p0, int kc, int j0, int nc, double* out) {
   for (int p = 0; p < kc; ++p) {
     const double* src = b.base + static_cast<std::ptrdiff_t>(p0 + p) * b.rowStride +
                         static_cast<std::ptrdiff_t>(j0) * b.colStride;
@@ -122,7 +114,7 @@ KX_DENSE_INLINE void PackB(const StridedView& b, int p0, int kc, int j0, int nc,
   }
 }
 
-#if defined(KX_DENSE_VECTOR_EXT)
+#if defined(KX_VECTOR_EXT)
 
 typedef double Vec8 __attribute__((vector_size(64), aligned(8)));
 typedef double Vec4 __attribute__((vector_size(32), aligned(8)));
@@ -132,7 +124,7 @@ typedef double Vec2 __attribute__((vector_size(16), aligned(8)));
 // the packed a panel holds APanel values per p (APanel >= MR: a kernel of
 // fewer rows serves the partial last panel).
 template <int MR, int NV, typename V, int APanel>
-KX_DENSE_INLINE void MicroKernel(int kc, const double* ap, const double* bp, double* const* rows) {
+KX_ALWAYS_INLINE void MicroKernel(int kc, const double* ap, const double* bp, double* const* rows) {
   constexpr int W = static_cast<int>(sizeof(V) / sizeof(double));
   constexpr int NR = NV * W;
   V acc[MR][NV];
@@ -193,7 +185,7 @@ struct OutputRows {
 
 // Runs the kernel of the fewest rows (MR, MR/2 or MR/4) that covers mr.
 template <int MR, typename Kernel>
-KX_DENSE_INLINE void RunTile(int mr, int kc, const double* ap, const double* bp, double* const* rows) {
+KX_ALWAYS_INLINE void RunTile(int mr, int kc, const double* ap, const double* bp, double* const* rows) {
   if (mr <= MR / 4) {
     Kernel::template Run<MR / 4>(kc, ap, bp, rows);
   } else if (mr <= MR / 2) {
@@ -209,7 +201,7 @@ KX_DENSE_INLINE void RunTile(int mr, int kc, const double* ap, const double* bp,
 // that out has room for whole tiles past row m and column n (and above the
 // diagonal), so every tile is updated in place.
 template <int MR, int NR, typename Kernel>
-KX_DENSE_INLINE void BlockedMultiply(int m, int n, int k, const StridedView& a, double scale,
+KX_ALWAYS_INLINE void BlockedMultiply(int m, int n, int k, const StridedView& a, double scale,
                                      bool scaled, const StridedView& b, const OutputRows& out,
                                      bool lower, bool padded) {
   if (m <= 0 || n <= 0 || k <= 0) return;
@@ -285,7 +277,7 @@ KX_DENSE_INLINE void BlockedMultiply(int m, int n, int k, const StridedView& a, 
 // updated there tile by tile without edge cases, and copied back: the
 // values above the diagonal and in the padding are computed and dropped.
 template <int MR, int NR, typename Kernel>
-KX_DENSE_INLINE void StagedTriangle(int n, int k, const StridedView& a, double scale, bool scaled,
+KX_ALWAYS_INLINE void StagedTriangle(int n, int k, const StridedView& a, double scale, bool scaled,
                                     const StridedView& b, double* packed) {
   const int stride = (n + NR - 1) / NR * NR;
   const int stageRows = (n + MR - 1) / MR * MR;
@@ -309,18 +301,18 @@ struct MultiplyArgs {
   bool lower;
 };
 
-#if defined(KX_DENSE_VECTOR_EXT)
+#if defined(KX_VECTOR_EXT)
 template <int MR, int NV, typename V>
 struct VectorKernel {
   static constexpr int kNR = NV * static_cast<int>(sizeof(V) / sizeof(double));
   template <int R>
-  static KX_DENSE_INLINE void Run(int kc, const double* ap, const double* bp, double* const* rows) {
+  static KX_ALWAYS_INLINE void Run(int kc, const double* ap, const double* bp, double* const* rows) {
     MicroKernel<R, NV, V, MR>(kc, ap, bp, rows);
   }
 };
 
 template <int MR, int NV, typename V>
-KX_DENSE_INLINE void RunVector(const MultiplyArgs& x) {
+KX_ALWAYS_INLINE void RunVector(const MultiplyArgs& x) {
   typedef VectorKernel<MR, NV, V> K;
   if (x.lower && x.n <= kStagedTriangle) {
     StagedTriangle<MR, K::kNR, K>(x.n, x.k, x.a, x.scale, x.scaled, x.b, x.out.base);
@@ -338,9 +330,9 @@ struct ScalarKernel {
 };
 #endif
 
-#if defined(KX_DENSE_X86_DISPATCH)
+#if defined(KX_X86_DISPATCH)
 
-__attribute__((target("avx512f"))) void RunAvx512(const MultiplyArgs& args) {
+KX_TARGET("avx512f") void RunAvx512(const MultiplyArgs& args) {
   // A small triangle wastes less of narrower tiles on its diagonal.
   if (args.lower && args.n < kNarrowTriangle) {
     RunVector<8, 1, Vec8>(args);
@@ -349,39 +341,21 @@ __attribute__((target("avx512f"))) void RunAvx512(const MultiplyArgs& args) {
   }
 }
 
-__attribute__((target("avx2"))) void RunAvx2(const MultiplyArgs& args) {
+KX_TARGET("avx2") void RunAvx2(const MultiplyArgs& args) {
   RunVector<6, 2, Vec4>(args);
 }
 
 void RunBaseline(const MultiplyArgs& args) { RunVector<4, 2, Vec2>(args); }
 
-enum class KernelPath { kAvx512, kAvx2, kBaseline };
-
-KernelPath SelectPath() {
-  __builtin_cpu_init();
-  if (__builtin_cpu_supports("avx512f")) return KernelPath::kAvx512;
-  if (__builtin_cpu_supports("avx2")) return KernelPath::kAvx2;
-  return KernelPath::kBaseline;
-}
-
-// Set only by SelectDenseKernelPath (tests); -1 leaves the choice to the
-// processor.
-int gForcedPath = -1;
-
-KernelPath ChosenPath() {
-  static const KernelPath path = SelectPath();
-  return gForcedPath < 0 ? path : static_cast<KernelPath>(gForcedPath);
-}
-
 void Run(const MultiplyArgs& args) {
-  switch (ChosenPath()) {
-    case KernelPath::kAvx512: RunAvx512(args); break;
-    case KernelPath::kAvx2: RunAvx2(args); break;
+  switch (ActiveIsa()) {
+    case IsaLevel::kAvx512: RunAvx512(args); break;
+    case IsaLevel::kAvx2: RunAvx2(args); break;
     default: RunBaseline(args); break;
   }
 }
 
-#elif defined(KX_DENSE_VECTOR_EXT)
+#elif defined(KX_VECTOR_EXT)
 void Run(const MultiplyArgs& args) { RunVector<4, 2, Vec2>(args); }
 #else
 void Run(const MultiplyArgs& args) {
@@ -406,35 +380,28 @@ void PackedLowerAccumulate(int n, int k, StridedView a, double scale, StridedVie
 
 bool SelectDenseKernelPath(const char* name) {
   const std::string wanted = name == nullptr ? "" : name;
-#if defined(KX_DENSE_X86_DISPATCH)
-  __builtin_cpu_init();
+#if defined(KX_X86_DISPATCH)
   if (wanted.empty()) {
-    gForcedPath = -1;
+    SetKernelLevel(-1);
     return true;
   }
-  if (wanted == "avx512" && __builtin_cpu_supports("avx512f")) {
-    gForcedPath = static_cast<int>(KernelPath::kAvx512);
-    return true;
-  }
-  if (wanted == "avx2" && __builtin_cpu_supports("avx2")) {
-    gForcedPath = static_cast<int>(KernelPath::kAvx2);
-    return true;
-  }
-  if (wanted == "baseline") {
-    gForcedPath = static_cast<int>(KernelPath::kBaseline);
-    return true;
-  }
-  return false;
+  int level = -1;
+  if (wanted == "avx512") level = static_cast<int>(IsaLevel::kAvx512);
+  if (wanted == "avx2") level = static_cast<int>(IsaLevel::kAvx2);
+  if (wanted == "baseline") level = static_cast<int>(IsaLevel::kBaseline);
+  if (level < 0 || level > static_cast<int>(MachineIsa())) return false;
+  SetKernelLevel(level);
+  return true;
 #else
   return wanted.empty() || wanted == "portable";
 #endif
 }
 
 const char* DenseKernelPath() {
-#if defined(KX_DENSE_X86_DISPATCH)
-  switch (ChosenPath()) {
-    case KernelPath::kAvx512: return "avx512";
-    case KernelPath::kAvx2: return "avx2";
+#if defined(KX_X86_DISPATCH)
+  switch (ActiveIsa()) {
+    case IsaLevel::kAvx512: return "avx512";
+    case IsaLevel::kAvx2: return "avx2";
     default: return "baseline";
   }
 #else

@@ -48,8 +48,10 @@ const char* DenseKernelPath();
 
 // For tests: forces the code path named as DenseKernelPath() names it, or
 // restores the processor's choice for an empty name or null. False (nothing
-// changed) when this processor cannot run that path. Not thread-safe: call
-// it only while no other thread uses these kernels.
+// changed) when this processor cannot run that path. The path is the level
+// set by SetKernelLevel (KXDispatch.h), so the packed factor kernels follow
+// it too. Not thread-safe: call it only while no other thread uses these
+// kernels.
 bool SelectDenseKernelPath(const char* name);
 
 }  // namespace internal

@@ -18,16 +18,7 @@
 #include <new>
 #include <vector>
 
-#if defined(__GNUC__) && (defined(__x86_64__) || defined(__i386__)) && \
-    !defined(KXCOMMONR_NO_DISPATCH)
-#define KX_FACTOR_DISPATCH 1
-#define KX_TARGET(isa) __attribute__((target(isa)))
-#define KX_INLINE inline __attribute__((always_inline))
-#else
-#define KX_FACTOR_DISPATCH 0
-#define KX_TARGET(isa)
-#define KX_INLINE inline
-#endif
+#include "kxcommonr/common/internal/KXDispatch.h"
 
 namespace KXCommon {
 namespace internal {
@@ -40,7 +31,7 @@ namespace {
 // available); kRows x kVecs registers form one register tile of the
 // multiply-subtract kernels.
 // ---------------------------------------------------------------------------
-#if KX_FACTOR_DISPATCH
+#if defined(KX_X86_DISPATCH)
 typedef double Vec8 __attribute__((vector_size(64)));
 typedef double Vec4 __attribute__((vector_size(32)));
 typedef double Vec2 __attribute__((vector_size(16)));
@@ -75,17 +66,17 @@ struct IsaBase {
 // Unaligned load and store. (Vectors pass by reference only: passing or
 // returning them by value would tie the ABI to the instruction set.)
 template <class V>
-KX_INLINE void LoadU(V& v, const double* p) {
+KX_ALWAYS_INLINE void LoadU(V& v, const double* p) {
   std::memcpy(&v, p, sizeof(V));
 }
 template <class V>
-KX_INLINE void StoreU(double* p, const V& v) {
+KX_ALWAYS_INLINE void StoreU(double* p, const V& v) {
   std::memcpy(p, &v, sizeof(V));
 }
 
 // y[j] = y[j] + c * x[j], j < count (each element one multiply, one add).
 template <class Isa>
-KX_INLINE void Axpy(double* y, const double* x, double c, std::int64_t count) {
+KX_ALWAYS_INLINE void Axpy(double* y, const double* x, double c, std::int64_t count) {
   typedef typename Isa::V V;
   constexpr int L = Isa::kLanes;
   std::int64_t j = 0;
@@ -131,7 +122,7 @@ KX_INLINE void Axpy(double* y, const double* x, double c, std::int64_t count) {
 
 // y[j] = y[j] - c * x[j], j < count.
 template <class Isa>
-KX_INLINE void Axmy(double* y, const double* x, double c, std::int64_t count) {
+KX_ALWAYS_INLINE void Axmy(double* y, const double* x, double c, std::int64_t count) {
   typedef typename Isa::V V;
   constexpr int L = Isa::kLanes;
   std::int64_t j = 0;
@@ -155,7 +146,7 @@ KX_INLINE void Axmy(double* y, const double* x, double c, std::int64_t count) {
 // The strides grow by aGrow / bGrow after each step (0 for a fixed stride,
 // 1 for walking down a packed column, whose stride is the row length).
 template <class Isa, int R, int NV, bool kSubtract>
-KX_INLINE void TileKernel(double* const* c, const double* a, std::int64_t aStride,
+KX_ALWAYS_INLINE void TileKernel(double* const* c, const double* a, std::int64_t aStride,
                           std::int64_t aGrow, const double* b, std::int64_t bStride,
                           std::int64_t bGrow, std::int64_t count) {
   typedef typename Isa::V V;
@@ -209,7 +200,7 @@ constexpr int kDefaultPanel = 48;
 // written back, and subtracted from the trailing triangle with the register
 // tile. scratch holds width * n + kRows * width doubles.
 template <class Isa>
-KX_INLINE int CholeskyBlocked(double* a, int n, const double* origDiag, double tol,
+KX_ALWAYS_INLINE int CholeskyBlocked(double* a, int n, const double* origDiag, double tol,
                               unsigned char* accepted, int width, double* scratch) {
   constexpr int R = Isa::kRows;
   constexpr int NR = Isa::kVecs * Isa::kLanes;
@@ -308,7 +299,7 @@ std::size_t InverseScratchSize(int n, int rows, int tile) {
 // zero-padded copy of that diagonal block, adding exact zeros where m < j),
 // then the rows of the block itself in order.
 template <class Isa>
-KX_INLINE int LowerInverseBlocked(double* a, int n, double* scratch) {
+KX_ALWAYS_INLINE int LowerInverseBlocked(double* a, int n, double* scratch) {
   constexpr int R = Isa::kRows;
   constexpr int NV = Isa::kVecs;
   constexpr int NR = NV * Isa::kLanes;
@@ -390,7 +381,7 @@ KX_INLINE int LowerInverseBlocked(double* a, int n, double* scratch) {
 // register tiles; the tiles crossing the diagonal compute a few lanes past
 // a row's end, which are discarded.
 template <class Isa>
-KX_INLINE void LowerTransLowerBlocked(double* a, int n, double* scratch) {
+KX_ALWAYS_INLINE void LowerTransLowerBlocked(double* a, int n, double* scratch) {
   constexpr int R = Isa::kRows;
   constexpr int NV = Isa::kVecs;
   constexpr int L = Isa::kLanes;
@@ -457,7 +448,7 @@ KX_INLINE void LowerTransLowerBlocked(double* a, int n, double* scratch) {
   }
 }
 
-#if KX_FACTOR_DISPATCH
+#if defined(KX_X86_DISPATCH)
 KX_TARGET("avx512f")
 int CholeskyAvx512(double* a, int n, const double* d, double tol, unsigned char* acc,
                    int width, double* s) {
@@ -474,7 +465,7 @@ int CholeskyBase(double* a, int n, const double* d, double tol, unsigned char* a
   return CholeskyBlocked<IsaBase>(a, n, d, tol, acc, width, s);
 }
 
-#if KX_FACTOR_DISPATCH
+#if defined(KX_X86_DISPATCH)
 KX_TARGET("avx512f") int InverseAvx512(double* a, int n, double* s) {
   return LowerInverseBlocked<IsaAvx512>(a, n, s);
 }
@@ -496,26 +487,6 @@ constexpr int kMaxRows = 8;
 constexpr int kMaxTile = 16;
 constexpr int kBlockedMinOrder = 32;
 
-// The instruction set used by the fast kernels, decided once.
-enum class Isa { kBase, kAvx2, kAvx512 };
-Isa DetectIsa() {
-#if KX_FACTOR_DISPATCH
-  __builtin_cpu_init();
-  if (__builtin_cpu_supports("avx512f")) return Isa::kAvx512;
-  if (__builtin_cpu_supports("avx2")) return Isa::kAvx2;
-#endif
-  return Isa::kBase;
-}
-Isa MachineIsa() {
-  static const Isa isa = DetectIsa();
-  return isa;
-}
-int gLevelCap = 2;
-Isa ActiveIsa() {
-  const Isa machine = MachineIsa();
-  return static_cast<int>(machine) > gLevelCap ? static_cast<Isa>(gLevelCap) : machine;
-}
-
 // ---------------------------------------------------------------------------
 // Sweep
 // ---------------------------------------------------------------------------
@@ -525,7 +496,7 @@ constexpr int kSweepChunk = 2048;
 // Adds c * column to row i of the triangle over the chunk's columns
 // [j0, min(j1, i+1)), skipping column k.
 template <class Isa>
-KX_INLINE void SweepUpdateRow(double* a, int i, int k, int j0, int j1, double c,
+KX_ALWAYS_INLINE void SweepUpdateRow(double* a, int i, int k, int j0, int j1, double c,
                               const double* column) {
   double* row = a + PackedAt(i, 0);
   const int jEnd = std::min(j1, i + 1);
@@ -542,7 +513,7 @@ KX_INLINE void SweepUpdateRow(double* a, int i, int k, int j0, int j1, double c,
 // previous one touched last, which are still in cache. (Each element gets
 // the same operations whatever the order.)
 template <class Isa>
-KX_INLINE void SweepRowChunked(double* a, int n, int k) {
+KX_ALWAYS_INLINE void SweepRowChunked(double* a, int n, int k) {
   const std::size_t rowK = PackedAt(k, 0);
   const double d = a[rowK + k];
   const double absD = std::fabs(d);
@@ -560,7 +531,7 @@ KX_INLINE void SweepRowChunked(double* a, int n, int k) {
     column[k] = 0.0;
     if (downwards) {
       for (int j = k + 1; j < n; ++j) {
-#if KX_FACTOR_DISPATCH
+#if defined(KX_X86_DISPATCH)
         if (j + 16 < n) __builtin_prefetch(a + PackedAt(j + 16, k));
 #endif
         column[j] = a[PackedAt(j, k)] / absD;
@@ -599,7 +570,7 @@ KX_INLINE void SweepRowChunked(double* a, int n, int k) {
   a[rowK + k] = -1.0 / d;
 }
 
-#if KX_FACTOR_DISPATCH
+#if defined(KX_X86_DISPATCH)
 KX_TARGET("avx512f") void SweepAvx512(double* a, int n, int k) {
   SweepRowChunked<IsaAvx512>(a, n, k);
 }
@@ -614,13 +585,6 @@ void SweepBase(double* a, int n, int k) { SweepRowChunked<IsaBase>(a, n, k); }
 // ---------------------------------------------------------------------------
 // Public entry points
 // ---------------------------------------------------------------------------
-
-int SetKernelLevel(int level) {
-  gLevelCap = level < 0 || level > 2 ? 2 : level;
-  return KernelLevel();
-}
-
-int KernelLevel() { return static_cast<int>(ActiveIsa()); }
 
 int PackedCholeskyPlain(double* a, int n, const double* origDiag, double tol,
                         unsigned char* accepted) {
@@ -654,10 +618,10 @@ int PackedCholeskyWithPanel(double* a, int n, const double* origDiag, double tol
     return PackedCholeskyPlain(a, n, origDiag, tol, accepted);
   }
   switch (ActiveIsa()) {
-#if KX_FACTOR_DISPATCH
-    case Isa::kAvx512:
+#if defined(KX_X86_DISPATCH)
+    case IsaLevel::kAvx512:
       return CholeskyAvx512(a, n, origDiag, tol, accepted, width, scratch.data());
-    case Isa::kAvx2:
+    case IsaLevel::kAvx2:
       return CholeskyAvx2(a, n, origDiag, tol, accepted, width, scratch.data());
 #endif
     default:
@@ -698,11 +662,11 @@ void PackedSweepRowPlain(double* a, int n, int k) {
 
 void PackedSweepRow(double* a, int n, int k) {
   switch (ActiveIsa()) {
-#if KX_FACTOR_DISPATCH
-    case Isa::kAvx512:
+#if defined(KX_X86_DISPATCH)
+    case IsaLevel::kAvx512:
       SweepAvx512(a, n, k);
       return;
-    case Isa::kAvx2:
+    case IsaLevel::kAvx2:
       SweepAvx2(a, n, k);
       return;
 #endif
@@ -740,10 +704,10 @@ int PackedLowerInverse(double* a, int n) {
     return PackedLowerInversePlain(a, n);
   }
   switch (ActiveIsa()) {
-#if KX_FACTOR_DISPATCH
-    case Isa::kAvx512:
+#if defined(KX_X86_DISPATCH)
+    case IsaLevel::kAvx512:
       return InverseAvx512(a, n, scratch.data());
-    case Isa::kAvx2:
+    case IsaLevel::kAvx2:
       return InverseAvx2(a, n, scratch.data());
 #endif
     default:
@@ -776,11 +740,11 @@ void PackedLowerTransLower(double* a, int n) {
     return;
   }
   switch (ActiveIsa()) {
-#if KX_FACTOR_DISPATCH
-    case Isa::kAvx512:
+#if defined(KX_X86_DISPATCH)
+    case IsaLevel::kAvx512:
       TransLowerAvx512(a, n, scratch.data());
       return;
-    case Isa::kAvx2:
+    case IsaLevel::kAvx2:
       TransLowerAvx2(a, n, scratch.data());
       return;
 #endif

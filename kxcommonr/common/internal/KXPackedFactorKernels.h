@@ -19,6 +19,10 @@
 #include <cstddef>
 #include <cstdint>
 
+// The fast kernels run at ActiveIsa(); tests compare the instruction-set
+// paths with SetKernelLevel. Both come from this header.
+#include "kxcommonr/common/internal/KXDispatch.h"
+
 namespace KXCommon {
 namespace internal {
 
@@ -72,14 +76,6 @@ void PackedLowerTransLower(double* a, int n);
 
 // The stored lower triangle M replaced by the lower triangle of M M'.
 void PackedLowerLowerTrans(double* a, int n);
-
-// Instruction-set level of the fast kernels: 0 baseline (SSE2 or plain C++),
-// 1 AVX2, 2 AVX-512. SetKernelLevel caps the level (for tests comparing the
-// paths; -1 restores the automatic choice) and returns the level now in use,
-// never above what the machine offers. Not thread-safe: call it only while
-// no kernel runs.
-int SetKernelLevel(int level);
-int KernelLevel();
 
 }  // namespace internal
 }  // namespace KXCommon

@@ -3,13 +3,7 @@
 
 #include <cstdint>
 
-#if defined(__x86_64__) && defined(__ELF__) && \
-    (defined(__GNUC__) || defined(__clang__)) && !defined(KXCOMMONR_NO_DISPATCH)
-#define KXSYM_DISPATCH_CLONES \
-  __attribute__((target_clones("avx512f", "avx2", "default")))
-#else
-#define KXSYM_DISPATCH_CLONES
-#endif
+#include "kxcommonr/common/internal/KXDispatch.h"
 
 namespace KXCommon {
 namespace internal {
@@ -45,7 +39,7 @@ inline void AddScaledLongRow(double* __restrict y, const double* __restrict x,
 
 }  // namespace
 
-KXSYM_DISPATCH_CLONES
+KX_TARGET_CLONES
 void PackedRankOneUpdate(double* packed, const double* x, std::size_t n,
                          double w) {
   double* row = packed;
@@ -62,7 +56,7 @@ void PackedRankOneUpdate(double* packed, const double* x, std::size_t n,
 // added to the outputs of the earlier columns, the four rows in order for
 // every column, which the compiler vectorises across columns. Per output
 // the terms still arrive in increasing j.
-KXSYM_DISPATCH_CLONES
+KX_TARGET_CLONES
 void PackedSymMatVec(const double* packed, const double* v, double* out,
                      std::size_t n) {
   std::size_t i = 0;

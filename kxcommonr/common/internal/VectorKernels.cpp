@@ -8,12 +8,7 @@
 // picks the AVX-512, AVX2 or baseline clone once, inside one portable binary.
 // Only elementwise work and exact maxima are vectorised, so every clone gives
 // the same bits. Other compilers and platforms compile the plain loops.
-#if defined(__GNUC__) && defined(__x86_64__) && defined(__linux__) && \
-    !defined(KXCOMMONR_NO_DISPATCH)
-#define KX_DISPATCH __attribute__((target_clones("avx512f", "avx2", "default")))
-#else
-#define KX_DISPATCH
-#endif
+#include "kxcommonr/common/internal/KXDispatch.h"
 
 // The summations stay one accumulator in index order; unrolling only cuts
 // the loop overhead around the chain of dependent additions.
@@ -25,17 +20,12 @@
 #define KX_UNROLL8
 #endif
 
-// Generic vector types of GCC and clang: the blocked elementwise loops.
-#if defined(__GNUC__) && !defined(KXCOMMONR_NO_DISPATCH)
-#define KX_VECTOR_TYPES 1
-#endif
-
 namespace KXCommon {
 namespace internal {
 
 namespace {
 
-#if defined(KX_VECTOR_TYPES)
+#if defined(KX_VECTOR_EXT)  // generic vectors: the blocked elementwise loops
 // Eight doubles at any 8-byte aligned address. The compiler lowers the
 // operations to the widest registers of the clone being compiled.
 typedef double Lanes8 __attribute__((vector_size(64), aligned(8), may_alias));
@@ -63,12 +53,12 @@ constexpr std::ptrdiff_t kNormCheckFrom = 256;
 // position where it occurred (strict >, so NaNs never enter). The answer is
 // the first position of the overall maximum: the smallest position among
 // the lanes holding that maximum; the scalar tail continues the scan.
-KX_DISPATCH std::ptrdiff_t FirstAbsMaxUnit(std::ptrdiff_t n, const double* x) {
+KX_TARGET_CLONES std::ptrdiff_t FirstAbsMaxUnit(std::ptrdiff_t n, const double* x) {
   if (std::isnan(x[0])) return 0;  // nothing compares greater than a NaN
   double best = -1.0;
   std::ptrdiff_t bestIndex = 0;
   std::ptrdiff_t k = 0;
-#if defined(KX_VECTOR_TYPES)
+#if defined(KX_VECTOR_EXT)
   if (n >= 64) {
     const long long magnitudeBits = 0x7FFFFFFFFFFFFFFFLL;
     const Bits8 absMask = {magnitudeBits, magnitudeBits, magnitudeBits,
@@ -121,7 +111,7 @@ KX_DISPATCH std::ptrdiff_t FirstAbsMaxUnit(std::ptrdiff_t n, const double* x) {
   return bestIndex;
 }
 
-KX_DISPATCH double ScaledNormUnit(std::ptrdiff_t n, const double* x) {
+KX_TARGET_CLONES double ScaledNormUnit(std::ptrdiff_t n, const double* x) {
   double scale = 0.0;
   double ssq = 1.0;
   std::ptrdiff_t k = 0;
@@ -243,10 +233,10 @@ bool PartlyOverlap(const double* x, const double* y, std::ptrdiff_t n) {
 // Each elementwise kernel: a scalar head until the written array is aligned,
 // blocks of 32 elements (all loads of a block before its stores), a scalar
 // tail. Every element gets exactly the scalar operation, so all paths agree.
-KX_DISPATCH void AxpyUnit(std::ptrdiff_t n, double a, const double* x,
+KX_TARGET_CLONES void AxpyUnit(std::ptrdiff_t n, double a, const double* x,
                           double* y) {
   std::ptrdiff_t k = 0;
-#if defined(KX_VECTOR_TYPES)
+#if defined(KX_VECTOR_EXT)
   if (!StartsInside(x, y, n)) {
     for (const std::ptrdiff_t head = PeelTo64(y, n); k < head; ++k) {
       y[k] += a * x[k];
@@ -266,9 +256,9 @@ KX_DISPATCH void AxpyUnit(std::ptrdiff_t n, double a, const double* x,
   for (; k < n; ++k) y[k] += a * x[k];
 }
 
-KX_DISPATCH void ScaleUnit(std::ptrdiff_t n, double a, double* x) {
+KX_TARGET_CLONES void ScaleUnit(std::ptrdiff_t n, double a, double* x) {
   std::ptrdiff_t k = 0;
-#if defined(KX_VECTOR_TYPES)
+#if defined(KX_VECTOR_EXT)
   for (const std::ptrdiff_t head = PeelTo64(x, n); k < head; ++k) x[k] *= a;
   for (; k + 32 <= n; k += 32) {
     const Lanes8 x0 = KX_LOAD8(x + k), x1 = KX_LOAD8(x + k + 8);
@@ -292,9 +282,9 @@ void CopyUnit(std::ptrdiff_t n, const double* x, double* y) {
   std::memmove(y, x, static_cast<std::size_t>(n) * sizeof(double));
 }
 
-KX_DISPATCH void SwapUnit(std::ptrdiff_t n, double* x, double* y) {
+KX_TARGET_CLONES void SwapUnit(std::ptrdiff_t n, double* x, double* y) {
   std::ptrdiff_t k = 0;
-#if defined(KX_VECTOR_TYPES)
+#if defined(KX_VECTOR_EXT)
   if (!PartlyOverlap(x, y, n)) {
     for (const std::ptrdiff_t head = PeelTo64(y, n); k < head; ++k) {
       const double held = x[k];
@@ -324,10 +314,10 @@ KX_DISPATCH void SwapUnit(std::ptrdiff_t n, double* x, double* y) {
   }
 }
 
-KX_DISPATCH void RotateUnit(std::ptrdiff_t n, double* x, double* y, double c,
+KX_TARGET_CLONES void RotateUnit(std::ptrdiff_t n, double* x, double* y, double c,
                             double s) {
   std::ptrdiff_t k = 0;
-#if defined(KX_VECTOR_TYPES)
+#if defined(KX_VECTOR_EXT)
   if (!PartlyOverlap(x, y, n)) {
     for (const std::ptrdiff_t head = PeelTo64(y, n); k < head; ++k) {
       const double xk = x[k];
