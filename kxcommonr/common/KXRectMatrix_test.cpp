@@ -5,34 +5,22 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <random>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "kxcommonr/common/KXBitSet.h"
 #include "kxcommonr/common/KXMV.h"
-#include "kxcommonr/common/display/KXComponentDisplay.h"
+#include "kxcommonr/testing/BitCheck.h"
+#include "kxcommonr/testing/DisplayCapture.h"
+#include "kxcommonr/testing/RectMatrixTestUtil.h"
 
 namespace KXCommon {
 namespace {
 
-KXRectMatrix RandomMatrix(int rows, int cols, std::mt19937_64& gen) {
-  std::uniform_real_distribution<double> uniform(-2.0, 2.0);
-  KXRectMatrix m(rows, cols);
-  for (double& x : m.AsVector()) x = uniform(gen);
-  return m;
-}
-
-KXRectMatrix FromRows(const std::vector<std::vector<double>>& rows) {
-  KXRectMatrix m(static_cast<int>(rows.size()), rows.empty() ? 0 : static_cast<int>(rows[0].size()));
-  for (int i = 0; i < m.GetNRows(); ++i)
-    for (int j = 0; j < m.GetNCols(); ++j) m.SetElem(i, j, rows[i][j]);
-  return m;
-}
-
-bool SameBits(double a, double b) { return std::memcmp(&a, &b, sizeof a) == 0; }
+using kxtesting::FromRows;
+using kxtesting::RandomMatrix;
+using kxtesting::SameBits;
 
 TEST(KXRectMatrixTest, RowMajorLayoutAndRangeChecks) {
   KXRectMatrix m(2, 3);
@@ -212,14 +200,11 @@ TEST(KXRectMatrixTest, CopiesExtractionAndExpansion) {
 }
 
 TEST(KXRectMatrixTest, DisplayPrintsShapeAndRows) {
-  std::ostringstream captured;
-  std::ostream* previous = KXComponentDisplay::GetOutStream();
-  KXComponentDisplay::SetOutStream(captured);
+  kxtesting::DisplayCapture capture;
   KXRectMatrix m = FromRows({{1.5, 2}, {3, -4}, {5, 6}});
   m.Display();
   m.DisplayF();
-  KXComponentDisplay::SetOutStream(*previous);
-  const std::string text = captured.str();
+  const std::string text = capture.Text();
   const std::size_t start = text.find("KXRectMatrixData display start");
   const std::size_t end = text.find("KXRectMatrixData display end");
   ASSERT_NE(start, std::string::npos);

@@ -1,0 +1,33 @@
+// kxcommonr/testing/RectMatrixTestUtil.h
+//
+// Test helpers for the rectangular matrices: seeded random fills and a
+// matrix written row by row through SetElem.
+#ifndef KXCOMMONR_TESTING_RECTMATRIXTESTUTIL_H
+#define KXCOMMONR_TESTING_RECTMATRIXTESTUTIL_H
+
+#include <random>
+#include <vector>
+
+#include "kxcommonr/common/KXRectMatrix.h"
+
+namespace kxtesting {
+
+// A rows x cols matrix of values uniform in [-2, 2).
+inline KXCommon::KXRectMatrix RandomMatrix(int rows, int cols, std::mt19937_64& gen) {
+  std::uniform_real_distribution<double> uniform(-2.0, 2.0);
+  KXCommon::KXRectMatrix m(rows, cols);
+  for (double& x : m.AsVector()) x = uniform(gen);
+  return m;
+}
+
+inline KXCommon::KXRectMatrix FromRows(const std::vector<std::vector<double>>& rows) {
+  KXCommon::KXRectMatrix m(static_cast<int>(rows.size()),
+                           rows.empty() ? 0 : static_cast<int>(rows[0].size()));
+  for (int i = 0; i < m.GetNRows(); ++i)
+    for (int j = 0; j < m.GetNCols(); ++j) m.SetElem(i, j, rows[i][j]);
+  return m;
+}
+
+}  // namespace kxtesting
+
+#endif  // KXCOMMONR_TESTING_RECTMATRIXTESTUTIL_H
