@@ -8,23 +8,13 @@
 
 #include "kxcommonr/common/KXBitSet.h"
 #include "kxcommonr/common/KXRectMatrix.h"
+#include "kxcommonr/testing/RectMatrixTestUtil.h"
 
 namespace KXCommon {
 namespace {
 
-KXRectMatrix FromRows(const std::vector<std::vector<double>>& rows) {
-  KXRectMatrix m(static_cast<int>(rows.size()), rows.empty() ? 0 : static_cast<int>(rows[0].size()));
-  for (int i = 0; i < m.GetNRows(); ++i)
-    for (int j = 0; j < m.GetNCols(); ++j) m.SetElem(i, j, rows[i][j]);
-  return m;
-}
-
-KXRectMatrix RandomMatrix(int rows, int cols, std::mt19937_64& gen) {
-  std::normal_distribution<double> normal;
-  KXRectMatrix m(rows, cols);
-  for (double& x : m.AsVector()) x = normal(gen);
-  return m;
-}
+using kxtesting::FromRows;
+using kxtesting::RandomMatrix;
 
 std::vector<bool> Bits(const KXBitSet& set) {
   std::vector<bool> bits;
