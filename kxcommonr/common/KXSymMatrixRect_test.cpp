@@ -10,16 +10,12 @@
 
 #include "kxcommonr/common/KXRectMatrix.h"
 #include "kxcommonr/common/KXSymMatrix.h"
+#include "kxcommonr/testing/RectMatrixTestUtil.h"
 
 namespace KXCommon {
 namespace {
 
-KXRectMatrix RandomMatrix(int rows, int cols, std::mt19937_64& gen) {
-  std::uniform_real_distribution<double> uniform(-2.0, 2.0);
-  KXRectMatrix m(rows, cols);
-  for (double& x : m.AsVector()) x = uniform(gen);
-  return m;
-}
+using kxtesting::RandomMatrix;
 
 KXSymMatrix RandomSym(int n, std::mt19937_64& gen) {
   std::uniform_real_distribution<double> uniform(-2.0, 2.0);
