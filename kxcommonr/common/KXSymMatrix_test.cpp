@@ -3,12 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <cfloat>
-#include <sstream>
 #include <vector>
 
 #include "kxcommonr/common/KXBitSet.h"
 #include "kxcommonr/common/KXMV.h"
-#include "kxcommonr/common/display/KXComponentDisplay.h"
+#include "kxcommonr/testing/DisplayCapture.h"
 #include "kxcommonr/testing/SymMatrixTestUtil.h"
 
 namespace {
@@ -18,20 +17,6 @@ using KXCommon::KXMV;
 using KXCommon::KXSymMatrix;
 using KXCommon::KXSymMatrixData;
 using kxtesting::Dense;
-
-// Captures the diagnostic stream for one test and restores it afterwards.
-class CaptureDisplay {
- public:
-  CaptureDisplay() : previous_(KXComponentDisplay::GetOutStream()) {
-    KXComponentDisplay::SetOutStream(text_);
-  }
-  ~CaptureDisplay() { KXComponentDisplay::SetOutStream(*previous_); }
-  std::string Text() const { return text_.str(); }
-
- private:
-  std::ostream* previous_;
-  std::ostringstream text_;
-};
 
 TEST(KXSymMatrixStorage, PackedLayoutAndMirroredAccess) {
   KXSymMatrix s(3);
@@ -269,28 +254,17 @@ TEST(KXSymMatrixStorage, DisplayTexts) {
   s.SetElem(0, 0, 1.0);
   s.SetElem(1, 0, 2.5);
   s.SetElem(1, 1, -3.0);
-  {
-    CaptureDisplay capture;
-    s.Display();
-    EXPECT_EQ(capture.Text(),
-              "\nKXSymMatrixData display start"
-              "\nThe number of rows = 2"
-              "\nThe number of blocks = 1"
-              "\nThe block size = 2"
-              "\nLower triangular (size = 3)"
-              "\n  1 2.5 -3"
-              "\nKXSymMatrixData display end");
-  }
-  {
-    CaptureDisplay capture;
-    s.DisplayF();
-    EXPECT_EQ(capture.Text(),
-              "\nKXSymMatrix full matrix display start"
-              "\nNumber of rows = 2"
-              "\nrow 0: \n  1 2.5"
-              "\nrow 1: \n  2.5 -3"
-              "\nKXSymMatrix display end");
-  }
+  kxtesting::DisplayCapture capture;
+  s.Display();
+  EXPECT_EQ(capture.Text(),
+            "\nKXSymMatrixData display start\nThe number of rows = 2\nThe number of blocks = 1"
+            "\nThe block size = 2\nLower triangular (size = 3)\n  1 2.5 -3"
+            "\nKXSymMatrixData display end");
+  capture.Reset();
+  s.DisplayF();
+  EXPECT_EQ(capture.Text(),
+            "\nKXSymMatrix full matrix display start\nNumber of rows = 2"
+            "\nrow 0: \n  1 2.5\nrow 1: \n  2.5 -3\nKXSymMatrix display end");
 }
 
 }  // namespace
