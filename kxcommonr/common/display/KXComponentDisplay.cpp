@@ -4,6 +4,7 @@
 #include <ctime>
 #include <iostream>
 #include <ostream>
+#include <utility>
 
 #include "kxcommonr/common/KXMV.h"
 
@@ -77,6 +78,32 @@ void AppendIntPair(std::string& line, int key, int value) {
   AppendFormatted(line, " (%d,%d)", key, value);
 }
 
+// "name = <value in format>", or "name = miss" for the missing value.
+void EmitNamedDouble(std::string name, double v, const char* format) {
+  if (KXCommon::KXMV::IsMissing(v)) {
+    name += " = miss";
+  } else {
+    AppendFormatted(name, format, v);
+  }
+  EmitLine(name);
+}
+
+// "name <none>" for no vectors; otherwise "name", then each vector shown by
+// `show` under the label "vec[i]".
+template <typename Inner, typename ShowVector>
+void EmitNested(const std::string& name, const std::vector<Inner>& v, ShowVector show) {
+  if (v.empty()) {
+    EmitLine(name + " <none>");
+    return;
+  }
+  EmitLine(name);
+  for (std::size_t i = 0; i < v.size(); ++i) {
+    std::string label;
+    AppendFormatted(label, "vec[%d]", static_cast<int>(i));
+    show(label, v[i]);
+  }
+}
+
 }  // namespace
 
 void SetOutStream(std::ostream& s) { gOutStream = &s; }
@@ -102,23 +129,9 @@ void DisplayI(std::string name, int v) {
   EmitLine(name);
 }
 
-void DisplayD(std::string name, double v) {
-  if (KXCommon::KXMV::IsMissing(v)) {
-    name += " = miss";
-  } else {
-    AppendFormatted(name, " = %g", v);
-  }
-  EmitLine(name);
-}
+void DisplayD(std::string name, double v) { EmitNamedDouble(std::move(name), v, " = %g"); }
 
-void DisplayDF(std::string name, double v) {
-  if (KXCommon::KXMV::IsMissing(v)) {
-    name += " = miss";
-  } else {
-    AppendFormatted(name, " = %.17g", v);
-  }
-  EmitLine(name);
-}
+void DisplayDF(std::string name, double v) { EmitNamedDouble(std::move(name), v, " = %.17g"); }
 
 void DisplayS(std::string name, std::string v) {
   EmitLine(name + " = " + v);
@@ -161,16 +174,9 @@ void DisplayDV(std::string name, const std::vector<double>& v,
 
 void DisplayDVV(std::string name, const std::vector<std::vector<double>>& v,
                 bool onePerLine) {
-  if (v.empty()) {
-    EmitLine(name + " <none>");
-    return;
-  }
-  EmitLine(name);
-  for (std::size_t i = 0; i < v.size(); ++i) {
-    std::string label;
-    AppendFormatted(label, "vec[%d]", static_cast<int>(i));
-    DisplayDV(label, v[i], onePerLine);
-  }
+  EmitNested(name, v, [onePerLine](const std::string& label, const std::vector<double>& inner) {
+    DisplayDV(label, inner, onePerLine);
+  });
 }
 
 void DisplayIV(std::string name, const std::vector<int>& v) {
@@ -222,16 +228,9 @@ void DisplaySV(std::string name, const std::vector<std::string>& v) {
 
 void DisplaySVV(std::string name,
                 const std::vector<std::vector<std::string>>& v) {
-  if (v.empty()) {
-    EmitLine(name + " <none>");
-    return;
-  }
-  EmitLine(name);
-  for (std::size_t i = 0; i < v.size(); ++i) {
-    std::string label;
-    AppendFormatted(label, "vec[%d]", static_cast<int>(i));
-    DisplaySV(label, v[i]);
-  }
+  EmitNested(name, v, [](const std::string& label, const std::vector<std::string>& inner) {
+    DisplaySV(label, inner);
+  });
 }
 
 void DisplaySLDM(std::string name,

@@ -31,36 +31,22 @@ namespace {
 // available); kRows x kVecs registers form one register tile of the
 // multiply-subtract kernels.
 // ---------------------------------------------------------------------------
+template <class Vector, int Lanes, int Rows, int Vecs>
+struct IsaShape {
+  typedef Vector V;
+  static constexpr int kLanes = Lanes;
+  static constexpr int kRows = Rows;
+  static constexpr int kVecs = Vecs;
+};
 #if defined(KX_X86_DISPATCH)
 typedef double Vec8 __attribute__((vector_size(64)));
 typedef double Vec4 __attribute__((vector_size(32)));
 typedef double Vec2 __attribute__((vector_size(16)));
-
-struct IsaAvx512 {
-  typedef Vec8 V;
-  static constexpr int kLanes = 8;
-  static constexpr int kRows = 8;
-  static constexpr int kVecs = 2;
-};
-struct IsaAvx2 {
-  typedef Vec4 V;
-  static constexpr int kLanes = 4;
-  static constexpr int kRows = 6;
-  static constexpr int kVecs = 2;
-};
-struct IsaBase {
-  typedef Vec2 V;
-  static constexpr int kLanes = 2;
-  static constexpr int kRows = 4;
-  static constexpr int kVecs = 2;
-};
+typedef IsaShape<Vec8, 8, 8, 2> IsaAvx512;
+typedef IsaShape<Vec4, 4, 6, 2> IsaAvx2;
+typedef IsaShape<Vec2, 2, 4, 2> IsaBase;
 #else
-struct IsaBase {
-  typedef double V;
-  static constexpr int kLanes = 1;
-  static constexpr int kRows = 4;
-  static constexpr int kVecs = 4;
-};
+typedef IsaShape<double, 1, 4, 4> IsaBase;
 #endif
 
 // Unaligned load and store. (Vectors pass by reference only: passing or

@@ -111,6 +111,23 @@ KX_TARGET_CLONES std::ptrdiff_t FirstAbsMaxUnit(std::ptrdiff_t n, const double* 
   return bestIndex;
 }
 
+// squares[t] = (|block[t]| / scale)^2 for t < limit, eight side by side
+// (inlined into each clone of the caller, which vectorises it).
+KX_ALWAYS_INLINE void BlockSquares(const double* block, std::ptrdiff_t limit, double scale,
+                                   double* squares) {
+  const std::ptrdiff_t groups = limit / 8;
+  for (std::ptrdiff_t g = 0; g < groups; ++g) {
+    for (int l = 0; l < 8; ++l) {
+      const double ratio = std::fabs(block[8 * g + l]) / scale;
+      squares[8 * g + l] = ratio * ratio;
+    }
+  }
+  for (std::ptrdiff_t t = 8 * groups; t < limit; ++t) {
+    const double ratio = std::fabs(block[t]) / scale;
+    squares[t] = ratio * ratio;
+  }
+}
+
 KX_TARGET_CLONES double ScaledNormUnit(std::ptrdiff_t n, const double* x) {
   double scale = 0.0;
   double ssq = 1.0;
@@ -163,16 +180,7 @@ KX_TARGET_CLONES double ScaledNormUnit(std::ptrdiff_t n, const double* x) {
       for (int l = 1; l < 8; ++l) blockMax = lanes[l] > blockMax ? lanes[l] : blockMax;
     }
     if (!(blockMax > scale)) {
-      for (std::ptrdiff_t g = 0; g < groups; ++g) {
-        for (int l = 0; l < 8; ++l) {
-          const double ratio = std::fabs(block[8 * g + l]) / scale;
-          squares[8 * g + l] = ratio * ratio;
-        }
-      }
-      for (std::ptrdiff_t t = 8 * groups; t < limit; ++t) {
-        const double ratio = std::fabs(block[t]) / scale;
-        squares[t] = ratio * ratio;
-      }
+      BlockSquares(block, limit, scale, squares);
       for (std::ptrdiff_t j = 0; j < limit; ++j) ssq += squares[j];
       k += limit;
       continue;
@@ -181,16 +189,7 @@ KX_TARGET_CLONES double ScaledNormUnit(std::ptrdiff_t n, const double* x) {
     int raised = 0;
     for (std::ptrdiff_t j = 0; j < limit; ++j) {
       if (!fresh) {
-        for (std::ptrdiff_t g = 0; g < groups; ++g) {
-          for (int l = 0; l < 8; ++l) {
-            const double ratio = std::fabs(block[8 * g + l]) / scale;
-            squares[8 * g + l] = ratio * ratio;
-          }
-        }
-        for (std::ptrdiff_t t = 8 * groups; t < limit; ++t) {
-          const double ratio = std::fabs(block[t]) / scale;
-          squares[t] = ratio * ratio;
-        }
+        BlockSquares(block, limit, scale, squares);
         fresh = true;
       }
       const double magnitude = std::fabs(block[j]);
