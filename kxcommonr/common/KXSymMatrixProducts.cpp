@@ -26,6 +26,17 @@ inline double At(const std::vector<double>& packed, std::size_t i,
   return i >= j ? packed[i * (i + 1) / 2 + j] : packed[j * (j + 1) / 2 + i];
 }
 
+// Calls visit(i, j, k) for every element (i, j), j < i, below the diagonal
+// of a packed triangle of order n, row by row; k is its packed position.
+template <class Visit>
+void ForEachBelowDiagonal(std::size_t n, Visit visit) {
+  std::size_t k = 0;
+  for (std::size_t i = 0; i < n; ++i) {
+    for (std::size_t j = 0; j < i; ++j, ++k) visit(i, j, k);
+    ++k;  // the diagonal
+  }
+}
+
 // Full row i of the symmetric matrix of order n held in packed, times
 // v[0], v[inc], ... in index order.
 double FullRowDot(const double* packed, std::size_t n, std::size_t i,
@@ -518,15 +529,11 @@ bool KXSymMatrix::AdjustOffDiagCorr(double maxCorr) {
   for (double d : diagonal) {
     if (IsNegativeOrNaN(d)) return false;
   }
-  std::size_t k = 0;
-  for (std::size_t i = 0; i < n; ++i) {
-    for (std::size_t j = 0; j < i; ++j, ++k) {
-      const double bound = maxCorr * std::sqrt(diagonal[i] * diagonal[j]);
-      if (data[k] > bound) data[k] = bound;
-      else if (data[k] < -bound) data[k] = -bound;
-    }
-    ++k;  // the diagonal stays
-  }
+  ForEachBelowDiagonal(n, [&](std::size_t i, std::size_t j, std::size_t k) {
+    const double bound = maxCorr * std::sqrt(diagonal[i] * diagonal[j]);
+    if (data[k] > bound) data[k] = bound;
+    else if (data[k] < -bound) data[k] = -bound;
+  });
   return true;
 }
 
@@ -534,13 +541,10 @@ bool KXSymMatrix::SetCovarZeros(KXSymMatrix& pattern) {
   if (pattern.nRows != nRows || !HasConsistentData() ||
       !pattern.HasConsistentData())
     return false;
-  std::size_t k = 0;
-  for (std::size_t i = 0; i < static_cast<std::size_t>(nRows); ++i) {
-    for (std::size_t j = 0; j < i; ++j, ++k) {
-      if (pattern.data[k] == 0.0) data[k] = 0.0;
-    }
-    ++k;
-  }
+  ForEachBelowDiagonal(static_cast<std::size_t>(nRows),
+                       [&](std::size_t, std::size_t, std::size_t k) {
+                         if (pattern.data[k] == 0.0) data[k] = 0.0;
+                       });
   return true;
 }
 
@@ -561,17 +565,15 @@ int KXSymMatrix::ZeroOutNonDiag(double tol) {
   std::vector<double> diagonal;
   GetDiagonal(diagonal);
   int zeroed = 0;
-  std::size_t k = 0;
-  for (std::size_t i = 0; i < static_cast<std::size_t>(nRows); ++i) {
-    for (std::size_t j = 0; j < i; ++j, ++k) {
-      const double bound = tol * std::sqrt(std::fabs(diagonal[i] * diagonal[j]));
-      if (data[k] != 0.0 && std::fabs(data[k]) <= bound) {
-        data[k] = 0.0;
-        ++zeroed;
-      }
-    }
-    ++k;
-  }
+  ForEachBelowDiagonal(static_cast<std::size_t>(nRows),
+                       [&](std::size_t i, std::size_t j, std::size_t k) {
+                         const double bound =
+                             tol * std::sqrt(std::fabs(diagonal[i] * diagonal[j]));
+                         if (data[k] != 0.0 && std::fabs(data[k]) <= bound) {
+                           data[k] = 0.0;
+                           ++zeroed;
+                         }
+                       });
   return zeroed;
 }
 
