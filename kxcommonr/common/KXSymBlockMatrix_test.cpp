@@ -2,11 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include <sstream>
 #include <string>
 
 #include "kxcommonr/common/KXMV.h"
-#include "kxcommonr/common/display/KXComponentDisplay.h"
+#include "kxcommonr/testing/DisplayCapture.h"
 #include "kxcommonr/testing/SymMatrixTestUtil.h"
 
 namespace {
@@ -107,25 +106,15 @@ TEST(KXSymBlockMatrix, ExpansionMatchesElementRule) {
 TEST(KXSymBlockMatrix, DisplayText) {
   KXSymBlockMatrix b(1, 1);
   b.GetElemSSRef(0, 0).SetElem(0, 0, 2.0);
-  std::ostringstream text;
-  std::ostream* previous = KXComponentDisplay::GetOutStream();
-  KXComponentDisplay::SetOutStream(text);
+  kxtesting::DisplayCapture capture;
   b.Display();
-  KXComponentDisplay::SetOutStream(*previous);
-  EXPECT_EQ(text.str(),
-            "\nKXSymBlockMatrix display start"
-            "\nThe number of rows in the KXSymBlockMatrix = 1"
+  EXPECT_EQ(capture.Text(),
+            "\nKXSymBlockMatrix display start\nThe number of rows in the KXSymBlockMatrix = 1"
             "\nThe number of rows in each KXMATH_NAMESPACE::KXSymMatrix matrix = 1"
-            "\nRow number in the KXSymBlockMatrix = 0"
-            "\nColumn number in the KXSymBlockMatrix = 0"
-            "\nKXMATH_NAMESPACE::KXSymMatrix matrix:"
-            "\nKXSymMatrixData display start"
-            "\nThe number of rows = 1"
-            "\nThe number of blocks = 1"
-            "\nThe block size = 1"
-            "\nLower triangular (size = 1)"
-            "\n  2"
-            "\nKXSymMatrixData display end"
+            "\nRow number in the KXSymBlockMatrix = 0\nColumn number in the KXSymBlockMatrix = 0"
+            "\nKXMATH_NAMESPACE::KXSymMatrix matrix:\nKXSymMatrixData display start"
+            "\nThe number of rows = 1\nThe number of blocks = 1\nThe block size = 1"
+            "\nLower triangular (size = 1)\n  2\nKXSymMatrixData display end"
             "\nKXSymBlockMatrix display end");
 }
 
