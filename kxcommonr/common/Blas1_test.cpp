@@ -65,9 +65,7 @@ TEST(Blas1Test, ScalarHelpers) {
   EXPECT_EQ(Blas1::D_Sign(kNaN), 1.0);
   EXPECT_EQ(Blas1::I_Max(-3, 2), 2);
   EXPECT_EQ(Blas1::I_Min(-3, 2), -3);
-}
-
-TEST(Blas1Test, LSameIgnoresCaseOfLettersOnly) {
+  // LSame ignores the case of letters only.
   EXPECT_TRUE(Blas1::LSame('a', 'A'));
   EXPECT_TRUE(Blas1::LSame('Z', 'z'));
   EXPECT_TRUE(Blas1::LSame('q', 'q'));
@@ -151,7 +149,7 @@ TEST(Blas1Test, NormKeepsTheScaledAlgorithmBitForBit) {
   }
 }
 
-TEST(Blas1Test, NormNeitherOverflowsNorUnderflows) {
+TEST(Blas1Test, NormOfExtremeAndNonFiniteValues) {
   const double big[2] = {3e200, 4e200};
   EXPECT_DOUBLE_EQ(Blas1::DNrm2(2, big, 1), 5e200);
   const double small[2] = {3e-200, -4e-200};
@@ -160,9 +158,7 @@ TEST(Blas1Test, NormNeitherOverflowsNorUnderflows) {
   EXPECT_EQ(Blas1::DNrm2(2, zeros, 1), 0.0);
   const double single[1] = {-7};
   EXPECT_EQ(Blas1::DNrm2(1, single, 1), 7.0);
-}
-
-TEST(Blas1Test, NormPropagatesNaNAndInfinityLikeTheSequentialAlgorithm) {
+  // NaN and infinity propagate as in the sequential algorithm.
   for (int n : {3, 70, 300}) {
     for (int where : {0, 1, n - 1}) {
       for (double oddValue : {kNaN, kInf, -kInf}) {
@@ -349,7 +345,6 @@ TEST(Blas1Test, MachineConstants) {
   EXPECT_EQ(Blas1::DMach(1), std::ldexp(1.0, -52));
   EXPECT_EQ(Blas1::DMach(2), 8.900295434028806e-306);
   EXPECT_EQ(Blas1::DMach(3), 1.1235582092889475e+305);
-  EXPECT_EQ(Blas1::DMach(2), std::ldexp(1.0, -1020) * 100.0);
 }
 
 TEST(Blas1DeathTest, XErBlaReportsAndExitsWithStatusOne) {
