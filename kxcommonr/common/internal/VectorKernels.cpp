@@ -233,7 +233,7 @@ bool PartlyOverlap(const double* x, const double* y, std::ptrdiff_t n) {
 // blocks of 32 elements (all loads of a block before its stores), a scalar
 // tail. Every element gets exactly the scalar operation, so all paths agree.
 KX_TARGET_CLONES void AxpyUnit(std::ptrdiff_t n, double a, const double* x,
-                          double* y) {
+                                 double* y) {
   std::ptrdiff_t k = 0;
 #if defined(KX_VECTOR_EXT)
   if (!StartsInside(x, y, n)) {
@@ -282,14 +282,15 @@ void CopyUnit(std::ptrdiff_t n, const double* x, double* y) {
 }
 
 KX_TARGET_CLONES void SwapUnit(std::ptrdiff_t n, double* x, double* y) {
+  const auto swapOne = [x, y](std::ptrdiff_t k) {
+    const double held = x[k];
+    x[k] = y[k];
+    y[k] = held;
+  };
   std::ptrdiff_t k = 0;
 #if defined(KX_VECTOR_EXT)
   if (!PartlyOverlap(x, y, n)) {
-    for (const std::ptrdiff_t head = PeelTo64(y, n); k < head; ++k) {
-      const double held = x[k];
-      x[k] = y[k];
-      y[k] = held;
-    }
+    for (const std::ptrdiff_t head = PeelTo64(y, n); k < head; ++k) swapOne(k);
     for (; k + 32 <= n; k += 32) {
       const Lanes8 x0 = KX_LOAD8(x + k), x1 = KX_LOAD8(x + k + 8);
       const Lanes8 x2 = KX_LOAD8(x + k + 16), x3 = KX_LOAD8(x + k + 24);
@@ -306,24 +307,21 @@ KX_TARGET_CLONES void SwapUnit(std::ptrdiff_t n, double* x, double* y) {
     }
   }
 #endif
-  for (; k < n; ++k) {
-    const double held = x[k];
-    x[k] = y[k];
-    y[k] = held;
-  }
+  for (; k < n; ++k) swapOne(k);
 }
 
 KX_TARGET_CLONES void RotateUnit(std::ptrdiff_t n, double* x, double* y, double c,
-                            double s) {
+                                 double s) {
+  const auto rotateOne = [x, y, c, s](std::ptrdiff_t k) {
+    const double xk = x[k];
+    const double yk = y[k];
+    x[k] = c * xk + s * yk;
+    y[k] = c * yk - s * xk;
+  };
   std::ptrdiff_t k = 0;
 #if defined(KX_VECTOR_EXT)
   if (!PartlyOverlap(x, y, n)) {
-    for (const std::ptrdiff_t head = PeelTo64(y, n); k < head; ++k) {
-      const double xk = x[k];
-      const double yk = y[k];
-      x[k] = c * xk + s * yk;
-      y[k] = c * yk - s * xk;
-    }
+    for (const std::ptrdiff_t head = PeelTo64(y, n); k < head; ++k) rotateOne(k);
     for (; k + 16 <= n; k += 16) {
       const Lanes8 x0 = KX_LOAD8(x + k), x1 = KX_LOAD8(x + k + 8);
       const Lanes8 y0 = KX_LOAD8(y + k), y1 = KX_LOAD8(y + k + 8);
@@ -334,12 +332,7 @@ KX_TARGET_CLONES void RotateUnit(std::ptrdiff_t n, double* x, double* y, double 
     }
   }
 #endif
-  for (; k < n; ++k) {
-    const double xk = x[k];
-    const double yk = y[k];
-    x[k] = c * xk + s * yk;
-    y[k] = c * yk - s * xk;
-  }
+  for (; k < n; ++k) rotateOne(k);
 }
 
 }  // namespace
