@@ -26,6 +26,8 @@ using KXCommon::KXBitSet;
 using KXCommon::KXMV;
 using KXCommon::KXSymMatrix;
 using kxtesting::Dense;
+using kxtesting::LowerOf;
+using kxtesting::Transpose;
 
 // Random symmetric positive definite matrix B B' / p + shift I, with B of
 // order n x p (p >= n keeps it well conditioned).
@@ -82,22 +84,6 @@ Dense Identity(std::size_t n) {
   Dense e(n);
   for (std::size_t i = 0; i < n; ++i) e(i, i) = 1.0;
   return e;
-}
-
-// The factor stored in a packed matrix as a dense lower-triangular matrix.
-Dense LowerOf(const KXSymMatrix& s) {
-  Dense l(static_cast<std::size_t>(s.GetNRows()));
-  for (std::size_t i = 0; i < l.n; ++i)
-    for (std::size_t j = 0; j <= i; ++j)
-      l(i, j) = s.GetElem(static_cast<int>(i), static_cast<int>(j));
-  return l;
-}
-
-Dense Transpose(const Dense& x) {
-  Dense t(x.n);
-  for (std::size_t i = 0; i < x.n; ++i)
-    for (std::size_t j = 0; j < x.n; ++j) t(i, j) = x(j, i);
-  return t;
 }
 
 double MaxAbs(const Dense& x) {

@@ -76,6 +76,22 @@ inline Dense Multiply(const Dense& x, const Dense& y) {
   return z;
 }
 
+// The factor stored in a packed matrix as a dense lower-triangular matrix.
+inline Dense LowerOf(const KXCommon::KXSymMatrix& s) {
+  Dense l(static_cast<std::size_t>(s.GetNRows()));
+  for (std::size_t i = 0; i < l.n; ++i)
+    for (std::size_t j = 0; j <= i; ++j)
+      l(i, j) = s.GetElem(static_cast<int>(i), static_cast<int>(j));
+  return l;
+}
+
+inline Dense Transpose(const Dense& x) {
+  Dense t(x.n);
+  for (std::size_t i = 0; i < x.n; ++i)
+    for (std::size_t j = 0; j < x.n; ++j) t(i, j) = x(j, i);
+  return t;
+}
+
 // Largest absolute elementwise difference.
 inline double MaxAbsDiff(const Dense& x, const Dense& y) {
   double worst = x.n == y.n ? 0.0 : INFINITY;
