@@ -280,12 +280,7 @@ TEST(KXSymMatrixProducts, MatrixProductsAndTracesAgainstDense) {
                                     kxtesting::Multiply(td, kxtesting::Multiply(sd, td))),
               tol);
     // L T L' with this matrix's lower triangle as L.
-    Dense l(n);
-    for (int i = 0; i < n; ++i)
-      for (int j = 0; j <= i; ++j) l(i, j) = sd(i, j);
-    Dense lt(n);
-    for (int i = 0; i < n; ++i)
-      for (int j = 0; j < n; ++j) lt(i, j) = l(j, i);
+    const Dense l = kxtesting::LowerOf(s), lt = kxtesting::Transpose(l);
     ASSERT_TRUE(s.ComputeLSLTrans(t, out));
     EXPECT_LE(kxtesting::MaxAbsDiff(kxtesting::ToDense(out),
                                     kxtesting::Multiply(l, kxtesting::Multiply(td, lt))),
