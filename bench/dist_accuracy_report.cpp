@@ -19,6 +19,7 @@
 namespace {
 
 struct Group {
+  int missing = 0;  // results that were the missing value
   std::vector<double> errors;
   double worst = -1.0;
   const kxtesting::DistReferencePoint* worstPoint = nullptr;
@@ -62,8 +63,12 @@ int main(int argc, char** argv) {
   std::map<std::string, std::map<std::string, Group>> groups;
   for (const auto& point : points) {
     const double value = kxtesting::EvaluateDistFunction(point);
-    const double error = kxtesting::DistRelativeError(point, value);
     Group& g = groups[point.function][kxtesting::DistRegion(point)];
+    if (value == -1.7976931348623157e308) {
+      ++g.missing;
+      continue;
+    }
+    const double error = kxtesting::DistRelativeError(point, value);
     g.errors.push_back(error);
     if (!(error <= g.worst)) {
       g.worst = error;
@@ -81,24 +86,31 @@ int main(int argc, char** argv) {
       "arguments; points whose value is below 1e-300 are not in\nthe table. "
       "Degrees of freedom run from 0.1 to 1e8. Regions: the size of the "
       "result\n(or, for quantiles, of p) and of the degrees of freedom "
-      "(for F the larger of the two).\nDo not edit by hand: rerun the "
-      "program.\n\n",
+      "(for F the larger of the two).\n\"missing\" counts results that were "
+      "the missing value (errors are over the\nothers). Do not edit by hand: "
+      "rerun the program.\n\n",
       points.size());
   for (const char* f : kOrder) {
     auto it = groups.find(f);
     if (it == groups.end()) continue;
     std::printf("## %s\n\n", Title(f));
-    std::printf("| region | points | max rel. error | (eps) | median | worst at "
-                "(arguments) |\n|---|---:|---:|---:|---:|---|\n");
+    std::printf("| region | points | missing | max rel. error | (eps) | median "
+                "| worst at (arguments) |\n|---|---:|---:|---:|---:|---:|---|\n");
     for (auto& entry : it->second) {
       Group& g = entry.second;
+      if (g.errors.empty()) {
+        std::printf("| %s | %d | %d | - | - | - | - |\n", entry.first.c_str(),
+                    g.missing, g.missing);
+        continue;
+      }
       std::vector<double> sorted = g.errors;
       std::sort(sorted.begin(), sorted.end());
       const double median = sorted[sorted.size() / 2];
       const auto* w = g.worstPoint;
-      std::printf("| %s | %zu | %.2e | %.1f | %.2e | (%.17g, %.17g, %.17g) |\n",
-                  entry.first.c_str(), sorted.size(), g.worst, g.worst / kEps,
-                  median, w->arg[0], w->arg[1], w->arg[2]);
+      std::printf(
+          "| %s | %zu | %d | %.2e | %.1f | %.2e | (%.17g, %.17g, %.17g) |\n",
+          entry.first.c_str(), sorted.size() + g.missing, g.missing, g.worst,
+          g.worst / kEps, median, w->arg[0], w->arg[1], w->arg[2]);
     }
     std::printf("\n");
   }

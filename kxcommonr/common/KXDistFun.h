@@ -48,7 +48,8 @@ class KXCOMMONR_API KXDistFun {
   static double CdfT(double t, double df);
   // t with P(T <= t) = p; missing unless 0 < p < 1 and df > 0; exactly 0 for
   // p == 0.5; df >= 1e8 gives IdfStdNorm(p) (note: inclusive here,
-  // exclusive in CdfT).
+  // exclusive in CdfT). Also missing when |t| would exceed about
+  // 1e154 * sqrt(df) (tiny p with df < 1), where df/(df + t*t) underflows.
   static double IdfT(double p, double df);
   // One-tailed upper probability P(T > t); missing if df is not > 0 or t is
   // NaN. Deliberately has no large-df normal shortcut (unlike CdfT).
@@ -65,7 +66,8 @@ class KXCOMMONR_API KXDistFun {
   // F: P(F <= f); missing unless df1 > 0 and df2 > 0; 0 for f <= 0 or NaN.
   static double CdfF(double f, double df1, double df2);
   // f with P(F <= f) = p; missing unless 0 <= p < 1, df1 > 0 and df2 > 0;
-  // exactly 0 for p == 0.
+  // exactly 0 for p == 0. Also missing when f would overflow its beta
+  // variate's range (p within 1e-300-ish of 1 with a tiny df2).
   static double IdfF(double p, double df1, double df2);
   // P(F > f); missing unless df1 > 0 and df2 > 0; 1 for f <= 0; missing for
   // a NaN f (deliberately unlike CdfF, which gives 0).

@@ -99,6 +99,13 @@ inline std::string DistRegion(const DistReferencePoint& point) {
     region = probability >= 3e-7 && probability <= 1 - 3e-7
                  ? "3e-7 <= p <= 1-3e-7"
                  : "far tails";
+  } else if ((f == "idft" || f == "idff") &&
+             std::fabs(static_cast<double>(point.value)) > 1e150) {
+    // The beta variate behind the quantile underflows: missing by design.
+    return "|result| > 1e150";
+  } else if (f == "idft" && point.arg[1] >= 1e8) {
+    // The normal quantile by design (an O(1/df) approximation).
+    return "df >= 1e8 (normal limit)";
   } else {
     if (f == "idft" && std::fabs(probability - 0.5) < 1e-3) {
       region = "|p - 0.5| < 1e-3";

@@ -281,12 +281,52 @@ double LogGammaRatioScaled(double a, double b) {
          StirlingCorrection(a);
 }
 
+namespace {
+
+// (x * num / den)^power with x * num / den formed in double-double, so that
+// the result keeps the accuracy of pow instead of losing power * eps to the
+// rounding of the base. ok is false (and the result 0) when |power * log|
+// exceeds 700, where the caller must use its logarithmic form.
+double PowRatio(double x, double xLo, double num, double den, double power,
+                bool& ok) {
+  double p, pl;
+  TwoProduct(x, num, p, pl);
+  pl += xLo * num;
+  const double q = p / den;
+  double qd, qdl;
+  TwoProduct(q, den, qd, qdl);
+  const double qLo = (((p - qd) - qdl) + pl) / den;
+  const double logPower = power * std::log(q);
+  ok = std::fabs(logPower) < 700.0;
+  if (!ok) return 0.0;
+  return std::pow(q, power) * (1.0 + power * qLo / q);
+}
+
+}  // namespace
+
 double GammaPowerTerm(double a, double x) {
   if (a >= 10.0) {
     // x^a e^-x / Gamma(a) = sqrt(a / 2 pi) exp(a (log(l) - (l - 1)) - corr(a)).
+    // x^a e^-x / Gamma(a) = sqrt(a / 2 pi) (x/a)^a e^(a-x) e^-corr(a): with
+    // pow and an exact a - x where both factors are in range (the logarithmic
+    // form below loses |exponent| * eps).
+    double diff, diffLo;
+    TwoSum(a, -x, diff, diffLo);
+    if (std::fabs(diff) < 700.0) {
+      bool ok = false;
+      const double power = PowRatio(x, 0.0, 1.0, a, a, ok);
+      if (ok) {
+        return std::sqrt(a / kTwoPi) * std::exp(-StirlingCorrection(a)) *
+               (power * (std::exp(diff) * (1.0 + diffLo)));
+      }
+    }
     const double e = (x - a) / a;
+    // Far from the mode, log(x/a) - e directly: 1 + e would have lost the
+    // digits of a small x.
+    const double logTerm =
+        e < -0.5 || e > 1.0 ? std::log(x / a) - e : Log1pmx(e);
     return std::sqrt(a / kTwoPi) *
-           std::exp(a * Log1pmx(e) - StirlingCorrection(a));
+           std::exp(a * logTerm - StirlingCorrection(a));
   }
   if (x < 700.0) {
     return std::pow(x, a) * std::exp(-x) / GammaSmall(a);
@@ -378,24 +418,50 @@ double BetaPowerTerms(double a, double b, double x, double y, double xLo,
     TwoProduct(x, b, p1, r1);
     TwoProduct(y, a, p2, r2);
     const double d = (p1 - p2) + (r1 - r2) + (xLo * b - yLo * a);  // (x b - y a)
+    const double correction = StirlingCorrection(a) + StirlingCorrection(b) -
+                              StirlingCorrection(apb);
+    // (x/x0)^a (y/y0)^b with pow where both factors are in range.
+    bool okX = false, okY = false;
+    const double powX = PowRatio(x, xLo, apb, a, a, okX);
+    const double powY = okX ? PowRatio(y, yLo, apb, b, b, okY) : 0.0;
+    if (okX && okY) {
+      return std::sqrt(a * (b / (kTwoPi * apb))) * std::exp(-correction) *
+             (powX * powY);
+    }
     const double e1 = d / a;
     const double e2 = -d / b;
-    const double exponent = a * Log1pmx(e1) + b * Log1pmx(e2) -
-                            (StirlingCorrection(a) + StirlingCorrection(b) -
-                             StirlingCorrection(apb));
+    // Far from the mode, log(x/x0) - e1 directly (1 + e1 would have lost the
+    // digits of a small x), likewise for y.
+    const double t1 = e1 < -0.5 || e1 > 1.0
+                          ? std::log(x * apb / a) + xLo / x - e1
+                          : Log1pmx(e1);
+    const double t2 = e2 < -0.5 || e2 > 1.0
+                          ? std::log(y * apb / b) + yLo / y - e2
+                          : Log1pmx(e2);
+    const double exponent = a * t1 + b * t2 - correction;
     return std::sqrt(a * (b / (kTwoPi * apb))) * std::exp(exponent);
   }
-  if (a >= 10.0) {
-    // Gamma(a+b)/Gamma(a) = a^b exp(LogGammaRatioScaled(a, b)); a^b goes with
-    // y^b so that their logarithms do not cancel.
-    return std::exp(a * LogOfComplement(x, y, xLo, yLo) +
-                    b * std::log(a * (y + yLo)) + LogGammaRatioScaled(a, b) -
-                    LogGamma(b));
-  }
-  if (b >= 10.0) {
-    return std::exp(b * LogOfComplement(y, x, yLo, xLo) +
-                    a * std::log(b * (x + xLo)) + LogGammaRatioScaled(b, a) -
-                    LogGamma(a));
+  if (a >= 10.0 || b >= 10.0) {
+    // With big >= 10 > small (or both large here only through one side):
+    // Gamma(big+small)/Gamma(big) = big^small exp(LogGammaRatioScaled), and
+    // big^small goes with the small side's power so that their logarithms
+    // do not cancel. The big side's power is formed with pow when its base
+    // is the accurate one and it does not underflow: exp of a large
+    // computed exponent would lose |exponent| * eps.
+    const bool aBig = a >= 10.0;
+    const double big = aBig ? a : b, small = aBig ? b : a;
+    const double u = aBig ? x : y, uLo = aBig ? xLo : yLo;  // base of big
+    const double w = aBig ? y : x, wLo = aBig ? yLo : xLo;  // base of small
+    const double rest = small * std::log(big * (w + wLo)) +
+                        LogGammaRatioScaled(big, small) - LogGamma(small);
+    if (u < 0.5) {
+      const double logPower = big * (std::log(u) + uLo / u);
+      if (logPower > -700.0) {
+        return std::pow(u, big) * (1.0 + big * uLo / u) * std::exp(rest);
+      }
+      return std::exp(logPower + rest);
+    }
+    return std::exp(big * (std::log1p(-w) - wLo / u) + rest);
   }
   const double gammaRatio = GammaSmall(a + b) / (GammaSmall(a) * GammaSmall(b));
   const double px = PowOfComplement(x, y, xLo, yLo, a);
@@ -576,8 +642,16 @@ int InvBeta(double a, double b, double p, double q, double& x, double& y,
   double loU = 0.0, loV = 1.0, hiU = 1.0, hiV = 0.0;
   bool converged = false;
   for (int iteration = 0; iteration < 50; ++iteration) {
+    // The larger of u and v is 1 minus the smaller, carried as a
+    // double-double so that the incomplete beta sees a consistent pair.
+    double uLo = 0.0, vLo = 0.0;
+    if (u <= 0.5) {
+      TwoSum(1.0, -u, v, vLo);
+    } else {
+      TwoSum(1.0, -v, u, uLo);
+    }
     double lowerTail, upperTail, power;  // power = u^al v^be / B(al, be)
-    IncBeta(al, be, u, v, 0.0, 0.0, lowerTail, upperTail, &power);
+    IncBeta(al, be, u, v, uLo, vLo, lowerTail, upperTail, &power);
     if (lowerTail == target) {
       converged = true;
       break;

@@ -15,6 +15,7 @@ idfchi, cdff, sigf, idff, lgamma.
 Usage: python3 make_dist_reference.py > dist_reference.csv
 """
 import random
+import signal
 import sys
 
 import mpmath as mp
@@ -36,11 +37,6 @@ def mpf(x):
 
 def ncdf(x):
     return mp.erfc(-mpf(x) / SQRT2) / 2
-
-
-class Skip(Exception):
-    """mpmath could not certify the value (an underflowing tail): the point
-    is left out of the table."""
 
 
 def beta_continued_fraction(a, b, x):
@@ -91,26 +87,36 @@ def beta_is_negligible(a, b, x, lower):
     return log_term < -1000 and below_mode == lower
 
 
+class Timeout(Exception):
+    pass
+
+
+def _on_alarm(signum, frame):
+    raise Timeout()
+
+
+signal.signal(signal.SIGALRM, _on_alarm)
+
+
 def beta_lower(a, b, x):
+    """I_x(a, b): mpmath's betainc, or the continued fraction where mpmath
+    gives up or takes more than 2 seconds (very large parameters)."""
     if beta_is_negligible(a, b, x, True):
         return mp.mpf(0)
+    signal.alarm(2)
     try:
         return mp.betainc(a, b, 0, x, regularized=True)
-    except mp.libmp.NoConvergence:
-        return beta_lower_by_fraction(a, b, x)
-    except ValueError:
-        raise Skip()
+    except (mp.libmp.NoConvergence, ValueError, Timeout):
+        pass
+    finally:
+        signal.alarm(0)
+    return beta_lower_by_fraction(a, b, x)
 
 
 def beta_upper(a, b, x):
-    if beta_is_negligible(a, b, x, False):
-        return mp.mpf(0)
-    try:
-        return mp.betainc(a, b, x, 1, regularized=True)
-    except mp.libmp.NoConvergence:
-        return beta_lower_by_fraction(b, a, 1 - x)
-    except ValueError:
-        raise Skip()
+    """1 - I_x(a, b), as I_(1-x)(b, a): mpmath's upper form subtracts from 1
+    and loses tails below its working precision."""
+    return beta_lower(b, a, 1 - x)
 
 
 def t_tails(t, df):
@@ -174,8 +180,11 @@ def chi_tails(x, df):
 
 def f_tails(f, df1, df2):
     f, df1, df2 = mpf(f), mpf(df1), mpf(df2)
+    # x and its complement y formed separately: 1 - x would round to 0 for
+    # huge f.
     x = df1 * f / (df2 + df1 * f)
-    return beta_lower(df1 / 2, df2 / 2, x), beta_upper(df1 / 2, df2 / 2, x)
+    y = df2 / (df2 + df1 * f)
+    return beta_lower(df1 / 2, df2 / 2, x), beta_lower(df2 / 2, df1 / 2, y)
 
 
 def solve_increasing(fn, target, lo, hi, logscale):
@@ -200,11 +209,8 @@ def solve_tail(tail_fn, target, lo, hi):
     log_target = mp.log(target)
 
     def h(s):
-        try:
-            v = tail_fn(mp.exp(s))
-        except Skip:
-            v = 0
-        return (mp.log(v) if v > 0 else mp.mpf(-10) ** 6) - log_target
+        v = tail_fn(mp.exp(s))
+        return (mp.log(v) if v > 0 else -mp.mpf(10) ** 6) - log_target
     a, b = mp.log(lo), mp.log(hi)
     ha, hb = h(a), h(b)
     if (ha < 0) == (hb < 0):
@@ -299,11 +305,7 @@ for df in DFS:
     progress("t %g" % df)
     for t in T_VALUES:
         for s in (t, -t):
-            try:
-                lower, upper = t_tails(s, df)
-            except Skip:
-                sys.stderr.write("skipped t %g df %g\n" % (s, df))
-                continue
+            lower, upper = t_tails(s, df)
             emit("cdft", [s, df], lower)
             emit("sigt", [s, df], upper)
 
@@ -352,15 +354,14 @@ for df1, df2 in F_PAIRS:
     progress("f %g %g" % (df1, df2))
     for f in [1e-6, 0.001, 0.1, 0.5, 0.9, 1.0, 1.1, 2.0, 5.0, 20.0, 1e3,
               1e6]:
-        try:
-            lower, upper = f_tails(f, df1, df2)
-        except Skip:
-            sys.stderr.write("skipped f %g %g %g\n" % (f, df1, df2))
-            continue
+        lower, upper = f_tails(f, df1, df2)
         emit("cdff", [f, df1, df2], lower)
         emit("sigf", [f, df1, df2], upper)
 F_QUANTILE_DFS = [0.1, 2.5, 100.0, 1e6, 1e8]
-for df1, df2 in [(a, b) for a in F_QUANTILE_DFS for b in F_QUANTILE_DFS]:
+# (Both degrees of freedom 1e6 or more: left out, each point would take
+# minutes of extended-precision continued fractions.)
+for df1, df2 in [(a, b) for a in F_QUANTILE_DFS for b in F_QUANTILE_DFS
+                 if min(a, b) < 1e6]:
     progress("idff %g %g" % (df1, df2))
     for p in [1e-100, 1e-10, 0.001, 0.5, 0.95, 1 - 1e-10]:
         v = quantile(lambda f, a=df1, b=df2: f_tails(f, a, b)[0],
