@@ -223,10 +223,12 @@ bool StartsInside(const double* x, const double* y, std::ptrdiff_t n) {
   return ya > xa && ya - xa < static_cast<std::uintptr_t>(n) * sizeof(double);
 }
 
+#if defined(KX_VECTOR_EXT)
 // True when x[0..n) and y[0..n) share memory without being the same array.
 bool PartlyOverlap(const double* x, const double* y, std::ptrdiff_t n) {
   return x != y && (StartsInside(x, y, n) || StartsInside(y, x, n));
 }
+#endif
 
 
 // Each elementwise kernel: a scalar head until the written array is aligned,
