@@ -113,12 +113,6 @@ def beta_lower(a, b, x):
     return beta_lower_by_fraction(a, b, x)
 
 
-def beta_upper(a, b, x):
-    """1 - I_x(a, b), as I_(1-x)(b, a): mpmath's upper form subtracts from 1
-    and loses tails below its working precision."""
-    return beta_lower(b, a, 1 - x)
-
-
 def t_tails(t, df):
     """(P(T <= t), P(T > t)) with the small tail computed directly."""
     t, df = mpf(t), mpf(df)
@@ -180,8 +174,9 @@ def chi_tails(x, df):
 
 def f_tails(f, df1, df2):
     f, df1, df2 = mpf(f), mpf(df1), mpf(df2)
-    # x and its complement y formed separately: 1 - x would round to 0 for
-    # huge f.
+    # x and its complement y formed separately (1 - x would round to 0 for
+    # huge f); the upper tail is I_y(df2/2, df1/2), computed directly since
+    # mpmath's upper form subtracts from 1.
     x = df1 * f / (df2 + df1 * f)
     y = df2 / (df2 + df1 * f)
     return beta_lower(df1 / 2, df2 / 2, x), beta_lower(df2 / 2, df1 / 2, y)
