@@ -302,6 +302,32 @@ double PowRatio(double x, double xLo, double num, double den, double power,
   return std::pow(q, power) * (1.0 + power * qLo / q);
 }
 
+// a * (log(1 + d/a) - d/a) for d = dHi + dLo with |d/a| <= 1/2, as hi + lo
+// where hi carries the leading -d^2 / (2a + d) rounded once and lo the rest
+// (small next to hi): with s = d / (2a + d),
+//   a (log(1 + d/a) - d/a) = -d^2 / (2a + d) + 2a s^3 (1/3 + s^2/5 + ...).
+// The leading term is formed in double-double, so an exponent of several
+// hundred keeps an absolute error of a few eps instead of |exponent| * eps.
+void ScaledLog1pmx(double a, double dHi, double dLo, double& hi, double& lo) {
+  double sq, sqLo;
+  TwoProduct(dHi, dHi, sq, sqLo);
+  sqLo += 2.0 * dHi * dLo;
+  double den, denLo;
+  TwoSum(2.0 * a, dHi, den, denLo);
+  denLo += dLo;
+  const double q = sq / den;
+  double qd, qdLo;
+  TwoProduct(q, den, qd, qdLo);
+  const double qLo = (((sq - qd) - qdLo) + sqLo - q * denLo) / den;
+  const double s = dHi / den;
+  const double s2 = s * s;
+  const int last = s2 < 1e-4 ? 9 : s2 < 1e-2 ? 17 : 37;
+  double series = 0.0;
+  for (int k = last; k >= 3; k -= 2) series = series * s2 + 1.0 / k;
+  hi = -q;
+  lo = -qLo + 2.0 * a * (s * s2) * series;
+}
+
 }  // namespace
 
 double GammaPowerTerm(double a, double x) {
@@ -321,6 +347,13 @@ double GammaPowerTerm(double a, double x) {
       }
     }
     const double e = (x - a) / a;
+    if (e >= -0.5 && e <= 0.5) {
+      double d, dLo, hi, lo;
+      TwoSum(x, -a, d, dLo);
+      ScaledLog1pmx(a, d, dLo, hi, lo);
+      return std::sqrt(a / kTwoPi) * std::exp(hi) *
+             std::exp(lo - StirlingCorrection(a));
+    }
     // Far from the mode, log(x/a) - e directly: 1 + e would have lost the
     // digits of a small x.
     const double logTerm =
@@ -430,6 +463,18 @@ double BetaPowerTerms(double a, double b, double x, double y, double xLo,
     }
     const double e1 = d / a;
     const double e2 = -d / b;
+    if (std::fabs(e1) <= 0.5 && std::fabs(e2) <= 0.5) {
+      // d = x b - y a in double-double for the deviance form.
+      double dHi, dLo;
+      TwoSum(p1, -p2, dHi, dLo);
+      dLo += (r1 - r2) + (xLo * b - yLo * a);
+      double hiA, loA, hiB, loB, hi, hiLo;
+      ScaledLog1pmx(a, dHi, dLo, hiA, loA);
+      ScaledLog1pmx(b, -dHi, -dLo, hiB, loB);
+      TwoSum(hiA, hiB, hi, hiLo);
+      return std::sqrt(a * (b / (kTwoPi * apb))) * std::exp(hi) *
+             std::exp((hiLo + loA + loB) - correction);
+    }
     // Far from the mode, log(x/x0) - e1 directly (1 + e1 would have lost the
     // digits of a small x), likewise for y.
     const double t1 = e1 < -0.5 || e1 > 1.0
@@ -461,7 +506,15 @@ double BetaPowerTerms(double a, double b, double x, double y, double xLo,
       }
       return std::exp(logPower + rest);
     }
-    return std::exp(big * (std::log1p(-w) - wLo / u) + rest);
+    // big log(1 - w) = -big w + big (log(1 - w) + w) with w <= 1/2: the
+    // first product exactly, so that an exponent of several hundred keeps
+    // its digits (the second part is at most about half as large).
+    // Below an exponent of a few units the plain form is as accurate.
+    if (big * w < 4.0) return std::exp(big * (std::log1p(-w) - wLo / u) + rest);
+    double hi, hiLo;
+    TwoProduct(-big, w, hi, hiLo);
+    const double lo = hiLo + big * Log1pmx(-w) - big * wLo / u;
+    return std::exp(hi) * std::exp(lo + rest);
   }
   const double gammaRatio = GammaSmall(a + b) / (GammaSmall(a) * GammaSmall(b));
   const double px = PowOfComplement(x, y, xLo, yLo, a);
