@@ -247,10 +247,10 @@ const Budget kBudgets[] = {
     // df >= 1e8 returns the normal quantile by design.
     {"idft", "df >= 1e8 (normal limit)", 1e-5},
     {"idft", "*", 1e-13},
-    {"cdfchi", "body, df > 100", 1e-13},
-    {"cdfchi", "value < 1e-3, df > 100", 6e-14},
+    {"cdfchi", "body, df > 100", 1.5e-15},
+    {"cdfchi", "value < 1e-3, df > 100", 6.5e-16},
     {"cdfchi", "*", 1e-14},
-    {"sigchi", "body, df > 100", 3e-14},
+    {"sigchi", "body, df > 100", 1.1e-15},
     {"sigchi", "value < 1e-3, df > 100", 3.5e-15},
     {"sigchi", "*", 1e-14},
     // AS 91 stops at a relative change of 5e-7 between iterates.
