@@ -255,10 +255,10 @@ const Budget kBudgets[] = {
     {"sigchi", "*", 1e-14},
     // AS 91 stops at a relative change of 5e-7 between iterates.
     {"idfchi", "*", 1e-7},
-    {"cdff", "body, df > 100", 9e-13},
+    {"cdff", "body, df > 100", 1.6e-14},
     {"cdff", "value < 1e-3, df > 100", 3.5e-14},
     {"cdff", "*", 3e-14},
-    {"sigf", "body, df > 100", 9e-13},
+    {"sigf", "body, df > 100", 1.7e-14},
     {"sigf", "value < 1e-3, df > 100", 3.5e-14},
     {"sigf", "*", 3e-14},
     {"idff", "*", 1e-13},

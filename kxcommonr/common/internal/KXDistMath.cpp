@@ -144,17 +144,33 @@ double IncBetaNormalApprox(double a, double b, double x, double y) {
 // This keeps full accuracy when x is close to 1 and a is large (the t
 // distribution with many degrees of freedom), where 1 + d(2m+1) is tiny.
 double IncBetaContinuedFraction(double a, double b, double x, double y,
-                                bool& converged) {
+                                double xLo, double yLo, bool& converged) {
   constexpr double kFpMin = 1e-300;
   const double apb = a + b;
   auto odd = [&](double m) {
     return -(a + m) * (apb + m) * x / ((a + 2.0 * m) * (a + 2.0 * m + 1.0));
   };
-  // For x <= 1/2 the plain sum 1 + d(2m+1) is the accurate one (the y form
-  // would cancel when b is large).
+  // For x <= 1/2 the y form would cancel when b is large, and the plain sum
+  // 1 + d(2m+1) when x is close to the mode a/(a+b) (d(2m+1) near -1 for
+  // large a). With delta = x (a+b) - a = x b - y a, formed accurately, the
+  // numerator (a+2m)(a+2m+1) - (a+m)(a+b+m) x equals
+  //   a(3m+1) + 2m(2m+1) - (a+m) delta - m x (a+m),
+  // whose subtracted terms stay well below the first ones (x <= 1/2 and
+  // delta is small on the near side of the mode).
   const bool fromY = x > 0.5;
+  double delta = 0.0;
+  if (!fromY) {
+    double p1, r1, p2, r2;
+    TwoProduct(x, b, p1, r1);
+    TwoProduct(y, a, p2, r2);
+    delta = (p1 - p2) + (r1 - r2) + (xLo * b - yLo * a);
+  }
   auto onePlusOdd = [&](double m) {
-    if (!fromY) return 1.0 + odd(m);
+    if (!fromY) {
+      return (a * (3.0 * m + 1.0) + 2.0 * m * (2.0 * m + 1.0) -
+              (a + m) * delta - m * x * (a + m)) /
+             ((a + 2.0 * m) * (a + 2.0 * m + 1.0));
+    }
     return (a * (2.0 * m + 1.0 - b) + m * (3.0 * m + 2.0 - b) +
             (a + m) * (apb + m) * y) /
            ((a + 2.0 * m) * (a + 2.0 * m + 1.0));
@@ -659,7 +675,7 @@ int IncBeta(double a, double b, double x, double y, double xLo, double yLo,
   } else {
     const double power = BetaPowerTerms(a, b, x, y, xLo, yLo);
     if (powerTerms != nullptr) *powerTerms = power;
-    w = power / a * IncBetaContinuedFraction(a, b, x, y, converged);
+    w = power / a * IncBetaContinuedFraction(a, b, x, y, xLo, yLo, converged);
   }
   int status = 0;
   if (!converged || !(w >= 0.0)) {
