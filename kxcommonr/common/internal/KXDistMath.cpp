@@ -532,7 +532,23 @@ int IncGamma(double a, double x, double& lower, double& upper) {
     double term = 1.0;
     double ap = a;
     int n = 0;
-    for (; n < maxIterations; ++n) {
+    // Up to a = 100, two terms per step sharing one division: with
+    // inv = 1/((ap+1)(ap+2)), the terms are term x (ap+2) inv and term x^2 inv.
+    // Above, where the series runs long, one rounded ratio per term keeps the
+    // accumulated rounding smaller.
+    const double x2 = x * x;
+    for (; a <= 100.0 && n < maxIterations; n += 2) {
+      const double ap1 = ap + 1.0;
+      const double ap2 = ap + 2.0;
+      ap = ap2;
+      const double inv = 1.0 / (ap1 * ap2);
+      const double first = term * x * ap2 * inv;
+      term = term * x2 * inv;
+      sum += first;
+      sum += term;
+      if (term <= sum * 5e-17) break;
+    }
+    for (; a > 100.0 && n < maxIterations; ++n) {
       ap += 1.0;
       term *= x / ap;
       sum += term;
