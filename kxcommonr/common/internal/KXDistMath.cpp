@@ -558,6 +558,45 @@ int IncGamma(double a, double x, double& lower, double& upper) {
     upper = 1.0 - lower;
     return n < maxIterations ? 0 : 2;
   }
+  if (a <= 100.0) {
+    // Continued fraction for Q by its three-term recurrence: convergents
+    // B_n / A_n of 1 / (b0 + a1 / (b1 + ...)), rescaled and tested every four
+    // steps, so one division serves four steps (Lentz's form below needs two
+    // divisions in its dependency chain per step). Falls through to that form
+    // if a convergent leaves the safe range.
+    double bn = x + 1.0 - a;
+    double aPrev = 1.0, bPrev = 0.0;  // A_{n-1}, B_{n-1}
+    double aCur = bn, bCur = 1.0;     // A_n, B_n
+    double ratio = bCur / aCur;
+    int n = 1;
+    while (n < maxIterations) {
+      for (int k = 0; k < 4; ++k, ++n) {
+        const double an = -n * (n - a);
+        bn += 2.0;
+        const double aNext = bn * aCur + an * aPrev;
+        const double bNext = bn * bCur + an * bPrev;
+        aPrev = aCur;
+        bPrev = bCur;
+        aCur = aNext;
+        bCur = bNext;
+      }
+      if (!(std::fabs(aCur) > 1e-290 && std::fabs(aCur) < 1e290)) break;
+      const double scale = 1.0 / aCur;
+      const double next = bCur * scale;
+      aPrev *= scale;
+      bPrev *= scale;
+      aCur = 1.0;
+      bCur = next;
+      // Four steps' change within 4e-16, as the per-step 1e-16 test below.
+      const bool done = std::fabs(next - ratio) <= 4e-16 * std::fabs(next);
+      ratio = next;
+      if (done) {
+        upper = GammaPowerTerm(a, x) * ratio;
+        lower = 1.0 - upper;
+        return 0;
+      }
+    }
+  }
   // Continued fraction (modified Lentz) for Q.
   constexpr double kFpMin = 1e-300;
   double b = x + 1.0 - a;
