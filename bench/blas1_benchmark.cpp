@@ -15,8 +15,8 @@
 #include <vector>
 
 #include "PeerLibraries.h"
-#include "kxcommonr/common/Blas1.h"
-#include "kxcommonr/common/KXMathFun.h"
+#include "kxcommonr/common/vector/Blas1.h"
+#include "kxcommonr/common/vector/KXMathFun.h"
 
 namespace {
 

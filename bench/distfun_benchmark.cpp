@@ -14,7 +14,7 @@
 #include <random>
 #include <vector>
 
-#include "kxcommonr/common/KXDistFun.h"
+#include "kxcommonr/common/dist/KXDistFun.h"
 
 #if defined(KXBENCH_HAVE_BOOST_MATH)
 #include <boost/math/distributions/chi_squared.hpp>

@@ -21,9 +21,9 @@
 #include <vector>
 
 #include "PeerLibraries.h"
-#include "kxcommonr/common/KXBitSet.h"
-#include "kxcommonr/common/KXRectMatrix.h"
-#include "kxcommonr/common/KXSymMatrix.h"
+#include "kxcommonr/common/containers/KXBitSet.h"
+#include "kxcommonr/common/rectmatrix/KXRectMatrix.h"
+#include "kxcommonr/common/symmatrix/KXSymMatrix.h"
 
 namespace {
 

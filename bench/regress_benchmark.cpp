@@ -28,8 +28,8 @@
 #include "bench/PeerLibraries.h"
 #include "examples/regress/CsvTable.h"
 #include "examples/regress/RegressionFit.h"
-#include "kxcommonr/common/KXRectMatrix.h"
-#include "kxcommonr/common/KXSymMatrix.h"
+#include "kxcommonr/common/rectmatrix/KXRectMatrix.h"
+#include "kxcommonr/common/symmatrix/KXSymMatrix.h"
 
 namespace {
 

@@ -24,8 +24,8 @@
 #include <vector>
 
 #include "PeerLibraries.h"
-#include "kxcommonr/common/KXBitSet.h"
-#include "kxcommonr/common/KXSymMatrix.h"
+#include "kxcommonr/common/containers/KXBitSet.h"
+#include "kxcommonr/common/symmatrix/KXSymMatrix.h"
 
 namespace {
 

@@ -18,7 +18,7 @@
 #include <vector>
 
 #include "PeerLibraries.h"
-#include "kxcommonr/common/KXSymMatrix.h"
+#include "kxcommonr/common/symmatrix/KXSymMatrix.h"
 
 namespace {
 

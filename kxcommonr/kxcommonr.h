@@ -9,26 +9,26 @@
 #include "kxcommonr/config.h"
 
 // Foundations
-#include "kxcommonr/common/KXMV.h"
-#include "kxcommonr/common/KXStatus.h"
-#include "kxcommonr/common/KXPower.h"
-#include "kxcommonr/common/KXExtremeNum.h"
-#include "kxcommonr/common/KXBitSet.h"
+#include "kxcommonr/common/foundation/KXMV.h"
+#include "kxcommonr/common/foundation/KXStatus.h"
+#include "kxcommonr/common/foundation/KXPower.h"
+#include "kxcommonr/common/foundation/KXExtremeNum.h"
+#include "kxcommonr/common/containers/KXBitSet.h"
 #include "kxcommonr/common/display/KXComponentDisplay.h"
-#include "kxcommonr/common/Blas1.h"
-#include "kxcommonr/common/KXMathFun.h"
-#include "kxcommonr/common/KXHashKey.h"
-#include "kxcommonr/common/KXPackedInt.h"
+#include "kxcommonr/common/vector/Blas1.h"
+#include "kxcommonr/common/vector/KXMathFun.h"
+#include "kxcommonr/common/containers/KXHashKey.h"
+#include "kxcommonr/common/containers/KXPackedInt.h"
 
 // Matrices
-#include "kxcommonr/common/KXSymMatrixData.h"
-#include "kxcommonr/common/KXSymMatrix.h"
-#include "kxcommonr/common/KXSymBlockMatrix.h"
-#include "kxcommonr/common/KXRectMatrixData.h"
-#include "kxcommonr/common/KXRectMatrix.h"
+#include "kxcommonr/common/symmatrix/KXSymMatrixData.h"
+#include "kxcommonr/common/symmatrix/KXSymMatrix.h"
+#include "kxcommonr/common/symmatrix/KXSymBlockMatrix.h"
+#include "kxcommonr/common/rectmatrix/KXRectMatrixData.h"
+#include "kxcommonr/common/rectmatrix/KXRectMatrix.h"
 
 // Distributions
-#include "kxcommonr/common/KXDistFun.h"
+#include "kxcommonr/common/dist/KXDistFun.h"
 
 // XML
 #include "kxcommonr/xml/ExportFormat.h"

@@ -11,7 +11,7 @@
 #include <unordered_set>
 #include <utility>
 
-#include "kxcommonr/common/KXMV.h"
+#include "kxcommonr/common/foundation/KXMV.h"
 
 namespace kxregress {
 namespace {

@@ -5,9 +5,9 @@
 #include <utility>
 
 #include "examples/regress/RegressionReport.h"
-#include "kxcommonr/common/KXDistFun.h"
-#include "kxcommonr/common/KXMV.h"
-#include "kxcommonr/common/KXRectMatrix.h"
+#include "kxcommonr/common/dist/KXDistFun.h"
+#include "kxcommonr/common/foundation/KXMV.h"
+#include "kxcommonr/common/rectmatrix/KXRectMatrix.h"
 
 namespace kxregress {
 namespace {

@@ -39,8 +39,8 @@
 #include <vector>
 
 #include "examples/regress/CsvTable.h"
-#include "kxcommonr/common/KXBitSet.h"
-#include "kxcommonr/common/KXSymMatrix.h"
+#include "kxcommonr/common/containers/KXBitSet.h"
+#include "kxcommonr/common/symmatrix/KXSymMatrix.h"
 
 namespace kxregress {
 

@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <vector>
 
-#include "kxcommonr/common/KXMV.h"
+#include "kxcommonr/common/foundation/KXMV.h"
 
 namespace kxregress {
 namespace {

@@ -22,7 +22,7 @@
 #include "examples/regress/RegressionFit.h"
 #include "examples/regress/RegressionReport.h"
 #include "examples/regress/TestJson.h"
-#include "kxcommonr/common/KXMV.h"
+#include "kxcommonr/common/foundation/KXMV.h"
 
 namespace kxregress {
 namespace {

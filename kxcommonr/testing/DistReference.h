@@ -1,7 +1,7 @@
 // kxcommonr/testing/DistReference.h
 //
 // The high-precision reference table of the distribution functions
-// (kxcommonr/common/testdata/dist_reference.csv, written by
+// (kxcommonr/common/dist/testdata/dist_reference.csv, written by
 // make_dist_reference.py with mpmath) and the evaluation of KXDistFun at
 // its points. Shared by the accuracy tests and the accuracy report.
 #ifndef KXCOMMONR_TESTING_DISTREFERENCE_H
@@ -14,8 +14,8 @@
 #include <string>
 #include <vector>
 
-#include "kxcommonr/common/KXDistFun.h"
-#include "kxcommonr/common/internal/KXDistFunAccess.h"
+#include "kxcommonr/common/dist/KXDistFun.h"
+#include "kxcommonr/common/dist/internal/KXDistFunAccess.h"
 
 namespace kxtesting {
 

@@ -8,7 +8,7 @@
 #include <random>
 #include <vector>
 
-#include "kxcommonr/common/KXRectMatrix.h"
+#include "kxcommonr/common/rectmatrix/KXRectMatrix.h"
 
 namespace kxtesting {
 

@@ -11,7 +11,7 @@
 #include <random>
 #include <vector>
 
-#include "kxcommonr/common/KXSymMatrix.h"
+#include "kxcommonr/common/symmatrix/KXSymMatrix.h"
 
 namespace kxtesting {
 

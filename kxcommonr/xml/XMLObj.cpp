@@ -3,7 +3,7 @@
 #include <climits>
 #include <ostream>
 
-#include "kxcommonr/common/KXMV.h"
+#include "kxcommonr/common/foundation/KXMV.h"
 #include "kxcommonr/xml/XMLWriter.h"
 #include "kxcommonr/xml/internal/XMLText.h"
 

@@ -12,7 +12,7 @@
 #include <sstream>
 #include <string>
 
-#include "kxcommonr/common/KXMV.h"
+#include "kxcommonr/common/foundation/KXMV.h"
 #include "kxcommonr/testing/XmlTestSupport.h"
 #include "kxcommonr/xml/XMLDocType.h"
 #include "kxcommonr/xml/XMLObj.h"

@@ -6,7 +6,7 @@
 #include <ostream>
 #include <utility>
 
-#include "kxcommonr/common/KXMV.h"
+#include "kxcommonr/common/foundation/KXMV.h"
 
 namespace KXComponentDisplay {
 

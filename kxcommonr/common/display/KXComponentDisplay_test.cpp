@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-#include "kxcommonr/common/KXMV.h"
+#include "kxcommonr/common/foundation/KXMV.h"
 #include "kxcommonr/testing/DisplayCapture.h"
 
 namespace {

@@ -21,7 +21,7 @@
 #include <sstream>
 #include <string>
 
-#include "kxcommonr/common/KXMV.h"
+#include "kxcommonr/common/foundation/KXMV.h"
 #include "kxcommonr/xml/XMLObj.h"
 #include "kxcommonr/xml/XMLWriter.h"
 #include "kxcommonr/xml/internal/XMLLineReader.h"

@@ -8,7 +8,7 @@
 #include <locale>
 #include <sstream>
 
-#include "kxcommonr/common/KXMV.h"
+#include "kxcommonr/common/foundation/KXMV.h"
 #include "kxcommonr/xml/XMLWriter.h"
 #include "kxcommonr/xml/internal/KXTokenizer.h"
 

@@ -1,0 +1,2 @@
+#include "kxcommonr/lower/Lower.h"
+#include "kxcommonr/upper/Upper.h"

@@ -1,0 +1,1 @@
+#include "kxcommonr/config.h"

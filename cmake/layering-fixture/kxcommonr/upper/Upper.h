@@ -1,0 +1,1 @@
+#include "kxcommonr/lower/Lower.h"

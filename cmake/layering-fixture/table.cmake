@@ -1,0 +1,2 @@
+list(APPEND KX_LAYERING "lower|kxcommonr/lower|")
+list(APPEND KX_LAYERING "upper|kxcommonr/upper|lower")

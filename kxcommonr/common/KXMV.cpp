@@ -1,7 +1,0 @@
-#include "kxcommonr/common/KXMV.h"
-
-namespace KXCommon {
-
-const double KXMV::gMissingValue = -1.7976931348623157e308;
-
-}  // namespace KXCommon

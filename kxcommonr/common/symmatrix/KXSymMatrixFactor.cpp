@@ -1,0 +1,329 @@
+// kxcommonr/common/symmatrix/KXSymMatrixFactor.cpp
+//
+// KXSymMatrix factorising family: the sweep operator, the rank-tolerant
+// Cholesky factorisation, determinants, inverses and triangular solves. The
+// loops themselves live in internal/KXPackedFactorKernels.cpp; this file
+// validates arguments, keeps the masks and applies the pivot rules. Solves of
+// possibly singular systems and the checks built on the factorisation are in
+// KXSymMatrixSolve.cpp.
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <new>
+#include <vector>
+
+#include "kxcommonr/common/containers/KXBitSet.h"
+#include "kxcommonr/common/foundation/KXMV.h"
+#include "kxcommonr/common/symmatrix/KXSymMatrix.h"
+#include "kxcommonr/common/symmatrix/internal/KXPackedFactorKernels.h"
+
+namespace KXCommon {
+
+namespace {
+
+using internal::PackedAt;
+
+// Solves L y = b forward then L' x = y backward in place on x (which holds b
+// on entry), with L the packed factor a of order n. A component whose pivot
+// l_ii is 0 is set to 0. Returns the number of zero pivots.
+int SubstituteInPlace(const double* a, int n, double* x) {
+  int zeroPivots = 0;
+  for (std::int64_t i = 0; i < n; ++i) {
+    const double* row = a + PackedAt(i, 0);
+    double s = x[i];
+    for (std::int64_t j = 0; j < i; ++j) s = s - row[j] * x[j];
+    if (row[i] != 0.0) {
+      x[i] = s / row[i];
+    } else {
+      x[i] = 0.0;
+      ++zeroPivots;
+    }
+  }
+  for (std::int64_t i = n - 1; i >= 0; --i) {
+    const double* row = a + PackedAt(i, 0);
+    x[i] = row[i] != 0.0 ? x[i] / row[i] : 0.0;
+    const double xi = x[i];
+    for (std::int64_t j = 0; j < i; ++j) x[j] = x[j] - row[j] * xi;
+  }
+  return zeroPivots;
+}
+
+// Moves the base-10 mantissa of a determinant back into 1 <= |m| < 10.
+void NormaliseDeterminant(double* det) {
+  if (det[0] == 0.0 || !std::isfinite(det[0])) return;
+  while (std::fabs(det[0]) < 1.0) {
+    det[0] *= 10.0;
+    det[1] -= 1.0;
+  }
+  while (std::fabs(det[0]) >= 10.0) {
+    det[0] /= 10.0;
+    det[1] += 1.0;
+  }
+}
+
+}  // namespace
+
+// ---------------------------------------------------------------------------
+// Sweep
+// ---------------------------------------------------------------------------
+
+bool KXSymMatrix::Sweep(int k, double tol, const std::vector<double>& origDiag,
+                        KXBitSet& swept, bool check) {
+  // Checks that protect memory are made whatever check says.
+  if (!HasConsistentData() || k < 0 || k >= nRows) return false;
+  const std::size_t n = static_cast<std::size_t>(nRows);
+  if (origDiag.size() < n || static_cast<std::size_t>(swept.Size()) < n) return false;
+  if (check) {
+    if (!(tol > 0.0)) return false;
+    for (std::size_t i = 0; i < n; ++i)
+      if (origDiag[i] < 0.0) return false;
+  }
+  double* a = data.data();
+  const double d = a[PackedAt(k, k)];
+  const bool wasSwept = swept.IsIn(k);
+  if (!wasSwept) {
+    if (!(tol * origDiag[k] < d)) return false;
+    for (int j = 0; j < nRows; ++j) {
+      if (!swept.IsIn(j)) continue;
+      const double ajk = j < k ? a[PackedAt(k, j)] : a[PackedAt(j, k)];
+      const double ajj = a[PackedAt(j, j)];
+      if ((ajj - ajk * ajk / d) * tol * origDiag[j] <= -1.0) return false;
+    }
+  } else if (d == 0.0 || std::isnan(d)) {
+    return false;  // no sweep leaves such a diagonal; refuse rather than divide
+  }
+  internal::PackedSweepRow(a, nRows, k);
+  swept.Set(k, !wasSwept);
+  return true;
+}
+
+// ---------------------------------------------------------------------------
+// Cholesky
+// ---------------------------------------------------------------------------
+
+int KXSymMatrix::LTChol(const std::vector<double>& origDiag, double tol,
+                        KXBitSet& nonRedundant, bool check) {
+  if (!HasConsistentData()) return -1;
+  const std::size_t n = static_cast<std::size_t>(nRows);
+  if (origDiag.size() < n) return -1;
+  if (check) {
+    if (tol < 0.0 || std::isnan(tol)) return -1;
+    for (std::size_t i = 0; i < n; ++i)
+      if (origDiag[i] < 0.0) return -1;
+  }
+  std::vector<unsigned char> accepted;
+  try {
+    accepted.assign(n, 0);
+  } catch (const std::bad_alloc&) {
+    return -1;
+  }
+  if (static_cast<std::size_t>(nonRedundant.Size()) < n)
+    nonRedundant.Resize(nRows, false);
+  else
+    nonRedundant.Clear();
+  const int redundant =
+      internal::PackedCholesky(data.data(), nRows, origDiag.data(), tol, accepted.data());
+  for (int i = 0; i < nRows; ++i)
+    if (accepted[i]) nonRedundant.Set(i, true);
+  return redundant;
+}
+
+int KXSymMatrix::LTChol(const std::vector<double>& origDiag, double tol, bool check) {
+  KXBitSet unused;
+  return LTChol(origDiag, tol, unused, check);
+}
+
+int KXSymMatrix::LTChol(double tol, double& out, bool check) {
+  out = KXMV::Missing();
+  if (!HasConsistentData()) return -1;
+  if (check && (tol < 0.0 || std::isnan(tol))) return -1;
+  std::vector<double> diagonal;
+  try {
+    GetDiagonal(diagonal);
+  } catch (const std::bad_alloc&) {
+    return -1;
+  }
+  for (double& d : diagonal)
+    if (d < tol) d = 1.0;
+  KXBitSet accepted;
+  const int redundant = LTChol(diagonal, tol, accepted, check);
+  if (redundant < 0) return redundant;
+  for (int i = 0; i < nRows; ++i) {
+    if (!accepted.IsIn(i)) continue;
+    const double pivot = data[PackedAt(i, i)];
+    if (KXMV::IsMissing(out) || pivot < out) out = pivot;
+  }
+  return redundant;
+}
+
+int KXSymMatrix::CholIndNonRed(int nLead, double tol, std::vector<int>& idx) {
+  if (!HasConsistentData() || nLead < 0 || nLead > nRows) return -1;
+  if (tol < 0.0 || std::isnan(tol)) return -1;
+  const int m = nLead == 0 ? nRows : nLead;
+  std::vector<double> diagonal;
+  std::vector<unsigned char> accepted;
+  std::vector<int> indices;
+  try {
+    diagonal.resize(static_cast<std::size_t>(m));
+    accepted.assign(static_cast<std::size_t>(m), 0);
+    indices.reserve(static_cast<std::size_t>(m));
+  } catch (const std::bad_alloc&) {
+    return -1;
+  }
+  for (int i = 0; i < m; ++i) {
+    diagonal[i] = data[PackedAt(i, i)];
+    if (diagonal[i] < 0.0) return -1;
+  }
+  // The leading m rows of the packed triangle are its first m(m+1)/2
+  // elements: factorising them in place leaves the later rows untouched.
+  const int redundant =
+      internal::PackedCholesky(data.data(), m, diagonal.data(), tol, accepted.data());
+  for (int i = 0; i < m; ++i)
+    if (accepted[i]) indices.push_back(i);
+  idx.swap(indices);
+  return redundant;
+}
+
+// ---------------------------------------------------------------------------
+// Inverses and determinants of a stored factor
+// ---------------------------------------------------------------------------
+
+int KXSymMatrix::LTDetInverse(double* det, int job) {
+  if (!HasConsistentData() || job < 0) return -1;
+  const bool wantDet = job % 10 != 0;
+  const bool wantInverse = (job / 10) % 10 != 0;
+  if (wantDet && det == nullptr) return -1;
+  int zeroPivots = 0;
+  for (int i = 0; i < nRows; ++i)
+    if (data[PackedAt(i, i)] == 0.0) ++zeroPivots;
+  if (wantDet) {
+    det[0] = 1.0;
+    det[1] = 0.0;
+    for (int i = 0; i < nRows; ++i) {
+      const double pivot = data[PackedAt(i, i)];
+      // The square is taken in two steps, normalising between them, so a
+      // large pivot does not overflow the mantissa.
+      det[0] *= pivot;
+      NormaliseDeterminant(det);
+      det[0] *= pivot;
+      NormaliseDeterminant(det);
+      if (det[0] == 0.0) {
+        det[1] = 0.0;
+        break;
+      }
+    }
+  }
+  if (wantInverse) internal::PackedLowerInverse(data.data(), nRows);
+  return zeroPivots;
+}
+
+void KXSymMatrix::LTLTransL() {
+  if (!HasConsistentData()) return;
+  internal::PackedLowerTransLower(data.data(), nRows);
+}
+
+void KXSymMatrix::LTLLTrans() {
+  if (!HasConsistentData()) return;
+  internal::PackedLowerLowerTrans(data.data(), nRows);
+}
+
+void KXSymMatrix::LTInverse() {
+  if (!HasConsistentData()) return;
+  double det[2];
+  LTDetInverse(det, 10);
+  LTLTransL();
+}
+
+int KXSymMatrix::CholInverse(const std::vector<double>& origDiag, double tol,
+                             KXSymMatrix& out, KXBitSet& nonRedundant) const {
+  out = *this;
+  const int redundant = out.LTChol(origDiag, tol, nonRedundant, true);
+  if (redundant < 0) return redundant;
+  out.LTInverse();
+  return redundant;
+}
+
+int KXSymMatrix::CholInverse(const std::vector<double>& origDiag, double tol,
+                             KXSymMatrix& out) const {
+  KXBitSet unused;
+  return CholInverse(origDiag, tol, out, unused);
+}
+
+int KXSymMatrix::CholInverse(const std::vector<double>& origDiag, double tol,
+                             KXSymMatrix& out, double& minPivot) const {
+  minPivot = KXMV::Missing();
+  out = *this;
+  const int redundant = out.LTChol(origDiag, tol, true);
+  if (redundant < 0) return redundant;
+  for (int i = 0; i < out.nRows; ++i) {
+    const double pivot = out.data[PackedAt(i, i)];
+    if (i == 0 || pivot < minPivot) minPivot = pivot;
+  }
+  out.LTInverse();
+  return redundant;
+}
+
+bool KXSymMatrix::ComputeDeterminant(double tol, double* det) const {
+  if (nRows < 1 || det == nullptr || !HasConsistentData()) return false;
+  KXSymMatrix factor;
+  try {
+    factor = *this;
+  } catch (const std::bad_alloc&) {
+    return false;
+  }
+  double smallestPivot = 0.0;
+  if (factor.LTChol(tol, smallestPivot, true) < 0) return false;
+  return factor.LTDetInverse(det, 1) >= 0;
+}
+
+bool KXSymMatrix::ZeroOutRedundant(const KXBitSet& nonRedundant) {
+  if (!HasConsistentData() || nonRedundant.Size() < nRows) return false;
+  for (int i = 0; i < nRows; ++i) {
+    if (nonRedundant.IsIn(i)) continue;
+    double* row = data.data() + PackedAt(i, 0);
+    for (int j = 0; j <= i; ++j) row[j] = 0.0;
+    for (int m = i + 1; m < nRows; ++m) data[PackedAt(m, i)] = 0.0;
+  }
+  return true;
+}
+
+// ---------------------------------------------------------------------------
+// Solves with the factor
+// ---------------------------------------------------------------------------
+
+int KXSymMatrix::LTSolve(const std::vector<double>& b, double tol,
+                         std::vector<double>& x) {
+  if (!HasConsistentData() || !(tol > 0.0)) return -1;
+  const std::size_t n = static_cast<std::size_t>(nRows);
+  if (b.size() < n) return -1;
+  std::vector<double> rhs;
+  try {
+    rhs.assign(b.begin(), b.begin() + static_cast<std::ptrdiff_t>(n));
+    GetDiagonal(x);  // x serves as origDiag until the solve
+  } catch (const std::bad_alloc&) {
+    return -1;
+  }
+  const int redundant = LTChol(x, tol, true);
+  if (redundant < 0) return redundant;
+  x.swap(rhs);
+  SubstituteInPlace(data.data(), nRows, x.data());
+  return redundant;
+}
+
+int KXSymMatrix::LTSubstitute(const std::vector<double>& b,
+                              std::vector<double>& x) const {
+  if (!HasConsistentData()) return -1;
+  const std::size_t n = static_cast<std::size_t>(nRows);
+  if (b.size() < n) return -1;
+  std::vector<double> solution;
+  try {
+    solution.assign(b.begin(), b.begin() + static_cast<std::ptrdiff_t>(n));
+  } catch (const std::bad_alloc&) {
+    return -1;
+  }
+  const int zeroPivots = SubstituteInPlace(data.data(), nRows, solution.data());
+  x.swap(solution);
+  return zeroPivots;
+}
+
+}  // namespace KXCommon

@@ -1,0 +1,83 @@
+// kxcommonr/common/symmatrix/internal/KXPackedFactorKernels.h
+//
+// Internal kernels of the factorising operations of KXSymMatrix, working on a
+// raw packed lower triangle (element (i, j), j <= i, at i*(i+1)/2 + j; all
+// offsets in 64 bits). Not installed; public headers never include this.
+//
+// Each fast kernel has a plain companion (suffix "Plain") that follows the
+// textbook loop literally. The fast kernels evaluate every output element
+// with exactly the same operations in the same order as their plain
+// companions, so the two agree bit for bit; they differ only in the order in
+// which independent outputs are visited (blocking, vectorising across
+// outputs). The same holds for every instruction set picked at run time:
+// results never depend on the machine.
+//
+// Thread rule: pure functions of their arguments.
+#ifndef KXCOMMONR_COMMON_SYMMATRIX_INTERNAL_KXPACKEDFACTORKERNELS_H
+#define KXCOMMONR_COMMON_SYMMATRIX_INTERNAL_KXPACKEDFACTORKERNELS_H
+
+#include <cstddef>
+#include <cstdint>
+
+// The fast kernels run at ActiveIsa(); tests compare the instruction-set
+// paths with SetKernelLevel. Both come from this header.
+#include "kxcommonr/common/simd/KXDispatch.h"
+
+namespace KXCommon {
+namespace internal {
+
+// Packed position of (i, j), j <= i.
+inline std::size_t PackedAt(std::int64_t i, std::int64_t j) {
+  return static_cast<std::size_t>(i) * static_cast<std::size_t>(i + 1) / 2 +
+         static_cast<std::size_t>(j);
+}
+
+// Cholesky factor in place, rank tolerant. Row by row, for j <= i:
+//   s = a_ij - l_i0 l_j0 - l_i1 l_j1 - ... - l_i(j-1) l_j(j-1)
+// (subtracted one product at a time, in that order);
+//   j < i:  l_ij = s / l_jj, or 0 when l_jj == 0;
+//   j == i: the row is accepted (accepted[i] = 1, l_ii = sqrt(s)) only when
+//           s > tol * origDiag[i]; otherwise (NaN included) it is redundant:
+//           l_ii = 0, accepted[i] = 0.
+// Returns the number of redundant rows. accepted has n elements.
+int PackedCholeskyPlain(double* a, int n, const double* origDiag, double tol,
+                        unsigned char* accepted);
+// The same result, bit for bit, by a blocked right-looking factorisation
+// with vectorised register-blocked updates. Allocates one panel of scratch
+// (about 48 * n doubles); if that allocation fails it runs the plain loop.
+int PackedCholesky(double* a, int n, const double* origDiag, double tol,
+                   unsigned char* accepted);
+// Cholesky restricted to rows [0, n) using panels of the given width; the
+// width only changes the visiting order (exposed so tests can force small
+// panels and every edge path). width < 1 selects the default.
+int PackedCholeskyWithPanel(double* a, int n, const double* origDiag, double tol,
+                            unsigned char* accepted, int width);
+
+// The sweep transformation of row k (no pivot tests), with d = a_kk != 0:
+//   a_kk := -1/d; for i != k: c = a_ik, negated when d > 0, a_ik := a_ik/|d|;
+//   a_ij := a_ij + c * a_jk (a_jk already rescaled) for j <= i, j != k.
+// Applying it twice restores the matrix up to rounding.
+void PackedSweepRowPlain(double* a, int n, int k);
+// The same result, bit for bit, visiting the triangle in column chunks
+// through a fixed stack buffer; never allocates.
+void PackedSweepRow(double* a, int n, int k);
+
+// Inverse of a lower-triangular factor in place. A zero diagonal element
+// marks a redundant row: its row and column of the result are 0 (the
+// generalised inverse of the full-rank part). Returns the number of such
+// rows. The fast form allocates one row of scratch and runs the plain loop
+// if it cannot.
+int PackedLowerInversePlain(double* a, int n);
+int PackedLowerInverse(double* a, int n);
+
+// The stored lower triangle M replaced by the lower triangle of M'M.
+void PackedLowerTransLowerPlain(double* a, int n);
+void PackedLowerTransLower(double* a, int n);
+
+// The stored lower triangle M replaced by the lower triangle of M M'.
+void PackedLowerLowerTrans(double* a, int n);
+
+}  // namespace internal
+}  // namespace KXCommon
+
+#endif  // KXCOMMONR_COMMON_SYMMATRIX_INTERNAL_KXPACKEDFACTORKERNELS_H

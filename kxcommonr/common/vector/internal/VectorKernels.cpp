@@ -1,0 +1,480 @@
+#include "kxcommonr/common/vector/internal/VectorKernels.h"
+
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+
+// Runtime dispatch of the unit-stride paths to wide vector units: the loader
+// picks the AVX-512, AVX2 or baseline clone once, inside one portable binary.
+// Only elementwise work and exact maxima are vectorised, so every clone gives
+// the same bits. Other compilers and platforms compile the plain loops.
+#include "kxcommonr/common/simd/KXDispatch.h"
+
+// The summations stay one accumulator in index order; unrolling only cuts
+// the loop overhead around the chain of dependent additions.
+#if defined(__GNUC__) && !defined(__clang__)
+#define KX_UNROLL8 _Pragma("GCC unroll 8")
+#elif defined(__clang__)
+#define KX_UNROLL8 _Pragma("clang loop unroll_count(8)")
+#else
+#define KX_UNROLL8
+#endif
+
+namespace KXCommon {
+namespace internal {
+
+namespace {
+
+#if defined(KX_VECTOR_EXT)  // generic vectors: the blocked elementwise loops
+// Eight doubles at any 8-byte aligned address. The compiler lowers the
+// operations to the widest registers of the clone being compiled.
+typedef double Lanes8 __attribute__((vector_size(64), aligned(8), may_alias));
+#define KX_LOAD8(p) (*reinterpret_cast<const Lanes8*>(p))
+#define KX_STORE8(p, v) (*reinterpret_cast<Lanes8*>(p) = (v))
+// Register-aligned vectors of eight doubles and of their bit patterns.
+typedef double Doubles8 __attribute__((vector_size(64)));
+typedef long long Bits8 __attribute__((vector_size(64)));
+
+// Elements to handle one by one before p is aligned to 64 bytes.
+std::ptrdiff_t PeelTo64(const double* p, std::ptrdiff_t n) {
+  const std::uintptr_t misaligned = reinterpret_cast<std::uintptr_t>(p) & 63u;
+  if (misaligned == 0 || (misaligned & 7u) != 0) return 0;
+  const std::ptrdiff_t peel = static_cast<std::ptrdiff_t>((64u - misaligned) / 8u);
+  return peel < n ? peel : n;
+}
+#endif
+
+// Elements per block of the scaled norm, and the position from which a
+// block is first checked for a new maximum as a whole.
+constexpr std::ptrdiff_t kNormBlock = 64;
+constexpr std::ptrdiff_t kNormCheckFrom = 256;
+
+// One pass with 32 lanes, each keeping its largest magnitude and the first
+// position where it occurred (strict >, so NaNs never enter). The answer is
+// the first position of the overall maximum: the smallest position among
+// the lanes holding that maximum; the scalar tail continues the scan.
+KX_TARGET_CLONES std::ptrdiff_t FirstAbsMaxUnit(std::ptrdiff_t n, const double* x) {
+  if (std::isnan(x[0])) return 0;  // nothing compares greater than a NaN
+  double best = -1.0;
+  std::ptrdiff_t bestIndex = 0;
+  std::ptrdiff_t k = 0;
+#if defined(KX_VECTOR_EXT)
+  if (n >= 64) {
+    const long long magnitudeBits = 0x7FFFFFFFFFFFFFFFLL;
+    const Bits8 absMask = {magnitudeBits, magnitudeBits, magnitudeBits,
+                           magnitudeBits, magnitudeBits, magnitudeBits,
+                           magnitudeBits, magnitudeBits};
+    Doubles8 laneBest[4];
+    Bits8 laneWhere[4];
+    Bits8 position[4];
+    for (int g = 0; g < 4; ++g) {
+      for (int l = 0; l < 8; ++l) {
+        laneBest[g][l] = -1.0;
+        laneWhere[g][l] = 0;
+        position[g][l] = 8 * g + l;
+      }
+    }
+    for (; k + 32 <= n; k += 32) {
+      for (int g = 0; g < 4; ++g) {
+        const Bits8 valueBits = (Bits8)(Doubles8)KX_LOAD8(x + k + 8 * g);
+        const Doubles8 magnitude = (Doubles8)(valueBits & absMask);
+        const Bits8 greater = magnitude > laneBest[g];
+        laneBest[g] = (Doubles8)(((Bits8)magnitude & greater) |
+                                 ((Bits8)laneBest[g] & ~greater));
+        laneWhere[g] = (position[g] & greater) | (laneWhere[g] & ~greater);
+        position[g] += 32;
+      }
+    }
+    for (int g = 0; g < 4; ++g) {
+      for (int l = 0; l < 8; ++l) {
+        const double value = laneBest[g][l];
+        const std::ptrdiff_t where = static_cast<std::ptrdiff_t>(laneWhere[g][l]);
+        if (value > best || (value == best && where < bestIndex)) {
+          best = value;
+          bestIndex = where;
+        }
+      }
+    }
+  }
+#endif
+  if (k == 0) {
+    best = std::fabs(x[0]);
+    k = 1;
+  }
+  for (; k < n; ++k) {
+    const double magnitude = std::fabs(x[k]);
+    if (magnitude > best) {
+      best = magnitude;
+      bestIndex = k;
+    }
+  }
+  return bestIndex;
+}
+
+// squares[t] = (|block[t]| / scale)^2 for t < limit, eight side by side
+// (inlined into each clone of the caller, which vectorises it).
+KX_ALWAYS_INLINE void BlockSquares(const double* block, std::ptrdiff_t limit, double scale,
+                                   double* squares) {
+  const std::ptrdiff_t groups = limit / 8;
+  for (std::ptrdiff_t g = 0; g < groups; ++g) {
+    for (int l = 0; l < 8; ++l) {
+      const double ratio = std::fabs(block[8 * g + l]) / scale;
+      squares[8 * g + l] = ratio * ratio;
+    }
+  }
+  for (std::ptrdiff_t t = 8 * groups; t < limit; ++t) {
+    const double ratio = std::fabs(block[t]) / scale;
+    squares[t] = ratio * ratio;
+  }
+}
+
+KX_TARGET_CLONES double ScaledNormUnit(std::ptrdiff_t n, const double* x) {
+  double scale = 0.0;
+  double ssq = 1.0;
+  std::ptrdiff_t k = 0;
+  // One element of the sequential algorithm.
+#define KX_NORM_STEP(value)                     \
+  do {                                          \
+    const double element = (value);             \
+    if (element != 0.0) {                       \
+      const double magnitude = std::fabs(element); \
+      if (magnitude > scale) {                  \
+        const double ratio = scale / magnitude; \
+        ssq = 1.0 + ssq * (ratio * ratio);      \
+        scale = magnitude;                      \
+      } else {                                  \
+        const double ratio = magnitude / scale; \
+        ssq += ratio * ratio;                   \
+      }                                         \
+    }                                           \
+  } while (0)
+  // Until a positive scale exists the divisions below are not defined.
+  for (; k < n && !(scale > 0.0); ++k) KX_NORM_STEP(x[k]);
+  // Then block by block: every term of the block is computed side by side
+  // with the scale in force, (|x|/scale)^2, and the terms are added in index
+  // order. An element that raises the scale takes the sequential step, and
+  // the block's terms are recomputed with the new scale. A zero adds exactly
+  // 0 to ssq (>= 1 or NaN), as skipping it would; a NaN never raises the
+  // scale, in both.
+  double squares[kNormBlock];
+  while (k < n) {
+    const std::ptrdiff_t limit = n - k < kNormBlock ? n - k : kNormBlock;
+    const double* block = x + k;
+    const std::ptrdiff_t groups = limit / 8;
+    // Past the first blocks new maxima are rare: when the block's largest
+    // non-NaN magnitude keeps the scale, its terms are simply added.
+    double blockMax = scale + 1.0;
+    if (k >= kNormCheckFrom) {
+      double lanes[8] = {0.0, 0.0, 0.0, 0.0, 0.0, 0.0, 0.0, 0.0};
+      for (std::ptrdiff_t g = 0; g < groups; ++g) {
+        for (int l = 0; l < 8; ++l) {
+          const double magnitude = std::fabs(block[8 * g + l]);
+          lanes[l] = magnitude > lanes[l] ? magnitude : lanes[l];
+        }
+      }
+      for (std::ptrdiff_t t = 8 * groups; t < limit; ++t) {
+        const double magnitude = std::fabs(block[t]);
+        lanes[0] = magnitude > lanes[0] ? magnitude : lanes[0];
+      }
+      blockMax = lanes[0];
+      for (int l = 1; l < 8; ++l) blockMax = lanes[l] > blockMax ? lanes[l] : blockMax;
+    }
+    if (!(blockMax > scale)) {
+      BlockSquares(block, limit, scale, squares);
+      for (std::ptrdiff_t j = 0; j < limit; ++j) ssq += squares[j];
+      k += limit;
+      continue;
+    }
+    bool fresh = false;
+    int raised = 0;
+    for (std::ptrdiff_t j = 0; j < limit; ++j) {
+      if (!fresh) {
+        BlockSquares(block, limit, scale, squares);
+        fresh = true;
+      }
+      const double magnitude = std::fabs(block[j]);
+      if (magnitude > scale) {
+        const double ratio = scale / magnitude;
+        ssq = 1.0 + ssq * (ratio * ratio);
+        scale = magnitude;
+        fresh = false;
+        if (++raised == 4) {
+          // Rising data: recomputing the block after every new maximum
+          // would cost more than the plain steps for the rest of it.
+          for (std::ptrdiff_t t = j + 1; t < limit; ++t) KX_NORM_STEP(block[t]);
+          break;
+        }
+      } else {
+        ssq += squares[j];
+      }
+    }
+    k += limit;
+  }
+#undef KX_NORM_STEP
+  return scale * std::sqrt(ssq);
+}
+
+// True when y starts strictly inside x[0..n): a forward loop then reads
+// elements it has already written, which block processing would not
+// reproduce, so such calls take the plain loop.
+bool StartsInside(const double* x, const double* y, std::ptrdiff_t n) {
+  const std::uintptr_t xa = reinterpret_cast<std::uintptr_t>(x);
+  const std::uintptr_t ya = reinterpret_cast<std::uintptr_t>(y);
+  return ya > xa && ya - xa < static_cast<std::uintptr_t>(n) * sizeof(double);
+}
+
+#if defined(KX_VECTOR_EXT)
+// True when x[0..n) and y[0..n) share memory without being the same array.
+bool PartlyOverlap(const double* x, const double* y, std::ptrdiff_t n) {
+  return x != y && (StartsInside(x, y, n) || StartsInside(y, x, n));
+}
+#endif
+
+
+// Each elementwise kernel: a scalar head until the written array is aligned,
+// blocks of 32 elements (all loads of a block before its stores), a scalar
+// tail. Every element gets exactly the scalar operation, so all paths agree.
+KX_TARGET_CLONES void AxpyUnit(std::ptrdiff_t n, double a, const double* x,
+                                 double* y) {
+  std::ptrdiff_t k = 0;
+#if defined(KX_VECTOR_EXT)
+  if (!StartsInside(x, y, n)) {
+    for (const std::ptrdiff_t head = PeelTo64(y, n); k < head; ++k) {
+      y[k] += a * x[k];
+    }
+    for (; k + 32 <= n; k += 32) {
+      const Lanes8 x0 = KX_LOAD8(x + k), x1 = KX_LOAD8(x + k + 8);
+      const Lanes8 x2 = KX_LOAD8(x + k + 16), x3 = KX_LOAD8(x + k + 24);
+      const Lanes8 y0 = KX_LOAD8(y + k), y1 = KX_LOAD8(y + k + 8);
+      const Lanes8 y2 = KX_LOAD8(y + k + 16), y3 = KX_LOAD8(y + k + 24);
+      KX_STORE8(y + k, y0 + a * x0);
+      KX_STORE8(y + k + 8, y1 + a * x1);
+      KX_STORE8(y + k + 16, y2 + a * x2);
+      KX_STORE8(y + k + 24, y3 + a * x3);
+    }
+  }
+#endif
+  for (; k < n; ++k) y[k] += a * x[k];
+}
+
+KX_TARGET_CLONES void ScaleUnit(std::ptrdiff_t n, double a, double* x) {
+  std::ptrdiff_t k = 0;
+#if defined(KX_VECTOR_EXT)
+  for (const std::ptrdiff_t head = PeelTo64(x, n); k < head; ++k) x[k] *= a;
+  for (; k + 32 <= n; k += 32) {
+    const Lanes8 x0 = KX_LOAD8(x + k), x1 = KX_LOAD8(x + k + 8);
+    const Lanes8 x2 = KX_LOAD8(x + k + 16), x3 = KX_LOAD8(x + k + 24);
+    KX_STORE8(x + k, x0 * a);
+    KX_STORE8(x + k + 8, x1 * a);
+    KX_STORE8(x + k + 16, x2 * a);
+    KX_STORE8(x + k + 24, x3 * a);
+  }
+#endif
+  for (; k < n; ++k) x[k] *= a;
+}
+
+void CopyUnit(std::ptrdiff_t n, const double* x, double* y) {
+  if (StartsInside(x, y, n)) {
+    // y runs ahead inside x: the forward copy repeats the leading elements.
+    for (std::ptrdiff_t k = 0; k < n; ++k) y[k] = x[k];
+    return;
+  }
+  // Otherwise a forward copy equals a move.
+  std::memmove(y, x, static_cast<std::size_t>(n) * sizeof(double));
+}
+
+KX_TARGET_CLONES void SwapUnit(std::ptrdiff_t n, double* x, double* y) {
+  const auto swapOne = [x, y](std::ptrdiff_t k) {
+    const double held = x[k];
+    x[k] = y[k];
+    y[k] = held;
+  };
+  std::ptrdiff_t k = 0;
+#if defined(KX_VECTOR_EXT)
+  if (!PartlyOverlap(x, y, n)) {
+    for (const std::ptrdiff_t head = PeelTo64(y, n); k < head; ++k) swapOne(k);
+    for (; k + 32 <= n; k += 32) {
+      const Lanes8 x0 = KX_LOAD8(x + k), x1 = KX_LOAD8(x + k + 8);
+      const Lanes8 x2 = KX_LOAD8(x + k + 16), x3 = KX_LOAD8(x + k + 24);
+      const Lanes8 y0 = KX_LOAD8(y + k), y1 = KX_LOAD8(y + k + 8);
+      const Lanes8 y2 = KX_LOAD8(y + k + 16), y3 = KX_LOAD8(y + k + 24);
+      KX_STORE8(x + k, y0);
+      KX_STORE8(x + k + 8, y1);
+      KX_STORE8(x + k + 16, y2);
+      KX_STORE8(x + k + 24, y3);
+      KX_STORE8(y + k, x0);
+      KX_STORE8(y + k + 8, x1);
+      KX_STORE8(y + k + 16, x2);
+      KX_STORE8(y + k + 24, x3);
+    }
+  }
+#endif
+  for (; k < n; ++k) swapOne(k);
+}
+
+KX_TARGET_CLONES void RotateUnit(std::ptrdiff_t n, double* x, double* y, double c,
+                                 double s) {
+  const auto rotateOne = [x, y, c, s](std::ptrdiff_t k) {
+    const double xk = x[k];
+    const double yk = y[k];
+    x[k] = c * xk + s * yk;
+    y[k] = c * yk - s * xk;
+  };
+  std::ptrdiff_t k = 0;
+#if defined(KX_VECTOR_EXT)
+  if (!PartlyOverlap(x, y, n)) {
+    for (const std::ptrdiff_t head = PeelTo64(y, n); k < head; ++k) rotateOne(k);
+    for (; k + 16 <= n; k += 16) {
+      const Lanes8 x0 = KX_LOAD8(x + k), x1 = KX_LOAD8(x + k + 8);
+      const Lanes8 y0 = KX_LOAD8(y + k), y1 = KX_LOAD8(y + k + 8);
+      KX_STORE8(x + k, c * x0 + s * y0);
+      KX_STORE8(x + k + 8, c * x1 + s * y1);
+      KX_STORE8(y + k, c * y0 - s * x0);
+      KX_STORE8(y + k + 8, c * y1 - s * x1);
+    }
+  }
+#endif
+  for (; k < n; ++k) rotateOne(k);
+}
+
+}  // namespace
+
+double SumAbs(std::ptrdiff_t n, const double* x, std::ptrdiff_t incx) {
+  double sum = 0.0;
+  if (incx == 1) {
+    KX_UNROLL8
+    for (std::ptrdiff_t k = 0; k < n; ++k) sum += std::fabs(x[k]);
+  } else {
+    for (std::ptrdiff_t k = 0; k < n; ++k) sum += std::fabs(x[k * incx]);
+  }
+  return sum;
+}
+
+double Sum(std::ptrdiff_t n, const double* x, std::ptrdiff_t incx) {
+  double sum = 0.0;
+  if (incx == 1) {
+    KX_UNROLL8
+    for (std::ptrdiff_t k = 0; k < n; ++k) sum += x[k];
+  } else {
+    for (std::ptrdiff_t k = 0; k < n; ++k) sum += x[k * incx];
+  }
+  return sum;
+}
+
+double Dot(std::ptrdiff_t n, const double* x, std::ptrdiff_t incx,
+           const double* y, std::ptrdiff_t incy) {
+  double sum = 0.0;
+  if (incx == 1 && incy == 1) {
+    KX_UNROLL8
+    for (std::ptrdiff_t k = 0; k < n; ++k) sum += x[k] * y[k];
+  } else {
+    for (std::ptrdiff_t k = 0; k < n; ++k) sum += x[k * incx] * y[k * incy];
+  }
+  return sum;
+}
+
+double ScaledNorm(std::ptrdiff_t n, const double* x, std::ptrdiff_t incx) {
+  if (n < 1) return 0.0;
+  if (incx == 1) return ScaledNormUnit(n, x);
+  double scale = 0.0;
+  double ssq = 1.0;
+  for (std::ptrdiff_t k = 0; k < n; ++k) {
+    const double element = x[k * incx];
+    if (element == 0.0) continue;
+    const double magnitude = std::fabs(element);
+    if (magnitude > scale) {
+      const double ratio = scale / magnitude;
+      ssq = 1.0 + ssq * (ratio * ratio);
+      scale = magnitude;
+    } else {
+      const double ratio = magnitude / scale;
+      ssq += ratio * ratio;
+    }
+  }
+  return scale * std::sqrt(ssq);
+}
+
+void Axpy(std::ptrdiff_t n, double a, const double* x, std::ptrdiff_t incx,
+          double* y, std::ptrdiff_t incy) {
+  if (n < 1) return;
+  if (incx == 1 && incy == 1) {
+    AxpyUnit(n, a, x, y);
+    return;
+  }
+  for (std::ptrdiff_t k = 0; k < n; ++k) y[k * incy] += a * x[k * incx];
+}
+
+void Scale(std::ptrdiff_t n, double a, double* x, std::ptrdiff_t incx) {
+  if (n < 1) return;
+  if (incx == 1) {
+    ScaleUnit(n, a, x);
+    return;
+  }
+  for (std::ptrdiff_t k = 0; k < n; ++k) x[k * incx] *= a;
+}
+
+void Negate(std::ptrdiff_t n, double* x, std::ptrdiff_t incx) {
+  for (std::ptrdiff_t k = 0; k < n; ++k) x[k * incx] = -x[k * incx];
+}
+
+void Fill(std::ptrdiff_t n, double a, double* x, std::ptrdiff_t incx) {
+  for (std::ptrdiff_t k = 0; k < n; ++k) x[k * incx] = a;
+}
+
+void Copy(std::ptrdiff_t n, const double* x, std::ptrdiff_t incx, double* y,
+          std::ptrdiff_t incy) {
+  if (n < 1) return;
+  if (incx == 1 && incy == 1) {
+    CopyUnit(n, x, y);
+    return;
+  }
+  for (std::ptrdiff_t k = 0; k < n; ++k) y[k * incy] = x[k * incx];
+}
+
+void Swap(std::ptrdiff_t n, double* x, std::ptrdiff_t incx, double* y,
+          std::ptrdiff_t incy) {
+  if (n < 1) return;
+  if (incx == 1 && incy == 1) {
+    SwapUnit(n, x, y);
+    return;
+  }
+  for (std::ptrdiff_t k = 0; k < n; ++k) {
+    const double held = x[k * incx];
+    x[k * incx] = y[k * incy];
+    y[k * incy] = held;
+  }
+}
+
+void Rotate(std::ptrdiff_t n, double* x, std::ptrdiff_t incx, double* y,
+            std::ptrdiff_t incy, double c, double s) {
+  if (n < 1) return;
+  if (incx == 1 && incy == 1) {
+    RotateUnit(n, x, y, c, s);
+    return;
+  }
+  for (std::ptrdiff_t k = 0; k < n; ++k) {
+    const double xk = x[k * incx];
+    const double yk = y[k * incy];
+    x[k * incx] = c * xk + s * yk;
+    y[k * incy] = c * yk - s * xk;
+  }
+}
+
+std::ptrdiff_t FirstAbsMax(std::ptrdiff_t n, const double* x,
+                           std::ptrdiff_t incx) {
+  if (n < 1) return -1;
+  if (incx == 1) return FirstAbsMaxUnit(n, x);
+  double best = std::fabs(x[0]);
+  std::ptrdiff_t bestIndex = 0;
+  for (std::ptrdiff_t k = 1; k < n; ++k) {
+    const double magnitude = std::fabs(x[k * incx]);
+    if (magnitude > best) {
+      best = magnitude;
+      bestIndex = k;
+    }
+  }
+  return bestIndex;
+}
+
+}  // namespace internal
+}  // namespace KXCommon
