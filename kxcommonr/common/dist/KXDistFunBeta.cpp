@@ -11,7 +11,8 @@
 
 #include "kxcommonr/common/dist/KXDistFun.h"
 #include "kxcommonr/common/foundation/KXMV.h"
-#include "kxcommonr/common/dist/internal/KXDistMath.h"
+#include "kxcommonr/common/dist/internal/KXDistElementary.h"
+#include "kxcommonr/common/dist/internal/KXDistIncBeta.h"
 
 namespace KXCommon {
 

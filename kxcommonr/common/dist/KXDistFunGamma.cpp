@@ -8,7 +8,8 @@
 
 #include "kxcommonr/common/dist/KXDistFun.h"
 #include "kxcommonr/common/foundation/KXMV.h"
-#include "kxcommonr/common/dist/internal/KXDistMath.h"
+#include "kxcommonr/common/dist/internal/KXDistGammaFunction.h"
+#include "kxcommonr/common/dist/internal/KXDistIncGamma.h"
 
 namespace KXCommon {
 

@@ -6,7 +6,7 @@
 
 #include "kxcommonr/common/dist/KXDistFun.h"
 #include "kxcommonr/common/foundation/KXMV.h"
-#include "kxcommonr/common/dist/internal/KXDistMath.h"
+#include "kxcommonr/common/dist/internal/KXDistErfc.h"
 #include "kxcommonr/common/dist/internal/KXDistTables.h"
 
 namespace KXCommon {

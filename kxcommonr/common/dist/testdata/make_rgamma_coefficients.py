@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """Prints the Taylor coefficients of 1/Gamma(1+z) about z = 0 used by
-kxcommonr/common/dist/internal/KXDistMath.cpp (reciprocal gamma on [0.5, 1.5]).
+kxcommonr/common/dist/internal/KXDistGammaFunction.cpp (reciprocal gamma on [0.5, 1.5]).
 
 Degree 22 keeps the truncation below 1e-20 for |z| <= 0.5.
 Usage: python3 make_rgamma_coefficients.py

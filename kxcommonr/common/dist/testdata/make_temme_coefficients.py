@@ -1,5 +1,5 @@
 """Taylor coefficients in eta of C0, C1, C2 of Temme's uniform expansion of
-the incomplete gamma ratio (used by IncGammaTemme in internal/KXDistMath.cpp).
+the incomplete gamma ratio (used by IncGammaTemme in internal/KXDistIncGamma.cpp).
 
 lambda - 1 = mu(eta) solves eta^2 / 2 = mu - log(1 + mu) (series reversion);
 C0 = 1/mu - 1/eta, C1 = 1/eta^3 - 1/mu^3 - 1/mu^2 - 1/(12 mu),
