@@ -13,6 +13,7 @@
 #include "kxcommonr/common/foundation/KXMV.h"
 #include "kxcommonr/common/dist/internal/KXDistElementary.h"
 #include "kxcommonr/common/dist/internal/KXDistIncBeta.h"
+#include "kxcommonr/common/dist/internal/KXDistStatus.h"
 
 namespace KXCommon {
 
@@ -83,21 +84,21 @@ void FTails(double f, double df1, double df2, double& lower, double& upper) {
 
 // Quantile of F given p and its exact complement; status as the workers.
 double FQuantile(double p, double df1, double df2, long& status) {
-  status = 0;
+  status = diststatus::kOk;
   if (!(p >= 0.0 && p < 1.0) || !(df1 > 0.0) || !(df2 > 0.0)) {
-    status = 1;
+    status = diststatus::kInvalidArgument;
     return KXMV::Missing();
   }
   if (p == 0.0) return 0.0;
   double x, y;
   if (distmath::InvBeta(0.5 * df1, 0.5 * df2, p, 1.0 - p, x, y) != 0 ||
       !(x >= 0.0) || !(y > 0.0)) {
-    status = 2;
+    status = diststatus::kFailed;
     return KXMV::Missing();
   }
   const double f = (df2 / df1) * (x / y);
   if (!std::isfinite(f)) {
-    status = 2;
+    status = diststatus::kFailed;
     return KXMV::Missing();
   }
   return f;
@@ -105,9 +106,9 @@ double FQuantile(double p, double df1, double df2, long& status) {
 
 // CDF of F with the status conventions of zelkcdff.
 double FCdf(double f, double df1, double df2, long& status) {
-  status = 0;
+  status = diststatus::kOk;
   if (!(df1 > 0.0) || !(df2 > 0.0)) {
-    status = 1;
+    status = diststatus::kInvalidArgument;
     return KXMV::Missing();
   }
   if (!(f > 0.0)) return 0.0;  // also NaN
@@ -121,9 +122,9 @@ double FCdf(double f, double df1, double df2, long& status) {
 
 double KXDistFun::cdfbet(const double& x, const double& a, const double& b,
                          long& status) {
-  status = 0;
+  status = diststatus::kOk;
   if (!(a > 0.0) || !(b > 0.0)) {
-    status = 1;
+    status = diststatus::kInvalidArgument;
     return KXMV::Missing();
   }
   if (x <= 0.0) return 0.0;
@@ -145,14 +146,14 @@ double KXDistFun::betinv(const double& p, const double& a, const double& b) {
 }
 
 double KXDistFun::zelkcdft(const double& t, const double& df, long& status) {
-  status = 0;
+  status = diststatus::kOk;
   if (!(df > 0.0)) {
-    status = 1;
+    status = diststatus::kInvalidArgument;
     return KXMV::Missing();
   }
   if (df > 1e8) {
     const double value = prbnrm(t);
-    if (KXMV::IsMissing(value)) status = 2;
+    if (KXMV::IsMissing(value)) status = diststatus::kFailed;
     return value;
   }
   if (t == 0.0) return 0.5;
@@ -168,9 +169,8 @@ double KXDistFun::zelkcdft(const double& t, const double& df, long& status) {
 }
 
 double KXDistFun::CdfT(double t, double df) {
-  long status = 0;
-  const double value = zelkcdft(t, df, status);
-  return status != 0 ? KXMV::Missing() : value;
+  return diststatus::ValueOrMissing(
+      [&](long& status) { return zelkcdft(t, df, status); });
 }
 
 double KXDistFun::SigT(double t, double df) {
@@ -189,9 +189,9 @@ double KXDistFun::SigT(double t, double df) {
 }
 
 double KXDistFun::zelkidft(const double& p, const double& df, long& status) {
-  status = 0;
+  status = diststatus::kOk;
   if (!(p > 0.0 && p < 1.0) || !(df > 0.0)) {
-    status = 1;
+    status = diststatus::kInvalidArgument;
     return KXMV::Missing();
   }
   if (p == 0.5) return 0.0;
@@ -223,12 +223,12 @@ double KXDistFun::zelkidft(const double& p, const double& df, long& status) {
   double x, y;  // x = df/(df + t^2), y = 1 - x
   if (distmath::InvBeta(0.5 * df, 0.5, q, qComplement, x, y, startX, startY) !=
       0) {
-    status = 2;
+    status = diststatus::kFailed;
     return KXMV::Missing();
   }
   const double v = df * (y / x);  // df (1/x - 1)
   if (!(v >= 0.0) || std::isinf(v)) {
-    status = 2;
+    status = diststatus::kFailed;
     return KXMV::Missing();
   }
   const double t = std::sqrt(v);
@@ -236,9 +236,8 @@ double KXDistFun::zelkidft(const double& p, const double& df, long& status) {
 }
 
 double KXDistFun::IdfT(double p, double df) {
-  long status = 0;
-  const double value = zelkidft(p, df, status);
-  return status != 0 ? KXMV::Missing() : value;
+  return diststatus::ValueOrMissing(
+      [&](long& status) { return zelkidft(p, df, status); });
 }
 
 double KXDistFun::zelkcdff(const double& f, const double& df1,
@@ -247,9 +246,8 @@ double KXDistFun::zelkcdff(const double& f, const double& df1,
 }
 
 double KXDistFun::CdfF(double f, double df1, double df2) {
-  long status = 0;
-  const double value = FCdf(f, df1, df2, status);
-  return status != 0 ? KXMV::Missing() : value;
+  return diststatus::ValueOrMissing(
+      [&](long& status) { return FCdf(f, df1, df2, status); });
 }
 
 double KXDistFun::SigF(double f, double df1, double df2) {
@@ -268,9 +266,8 @@ double KXDistFun::zelkidff(const double& p, const double& df1,
 }
 
 double KXDistFun::IdfF(double p, double df1, double df2) {
-  long status = 0;
-  const double value = FQuantile(p, df1, df2, status);
-  return status != 0 ? KXMV::Missing() : value;
+  return diststatus::ValueOrMissing(
+      [&](long& status) { return FQuantile(p, df1, df2, status); });
 }
 
 }  // namespace KXCommon

@@ -10,6 +10,7 @@
 #include "kxcommonr/common/foundation/KXMV.h"
 #include "kxcommonr/common/dist/internal/KXDistGammaFunction.h"
 #include "kxcommonr/common/dist/internal/KXDistIncGamma.h"
+#include "kxcommonr/common/dist/internal/KXDistStatus.h"
 
 namespace KXCommon {
 
@@ -45,14 +46,14 @@ double KXDistFun::zelkdnlgam(const double& x) { return dnlgam(x); }
 
 double KXDistFun::gammad(const double& x, const double& a, bool lower,
                          long& status) {
-  status = 0;
+  status = diststatus::kOk;
   if (!(a > 0.0) || !(x >= 0.0)) {
-    status = 1;
+    status = diststatus::kInvalidArgument;
     return KXMV::Missing();
   }
   double p, q;
   if (distmath::IncGamma(a, x, p, q) != 0) {
-    status = 2;
+    status = diststatus::kFailed;
     return KXMV::Missing();
   }
   return lower ? p : q;
@@ -61,23 +62,21 @@ double KXDistFun::gammad(const double& x, const double& a, bool lower,
 double KXDistFun::CdfChi(double x, double df) {
   if (!(df > 0.0)) return KXMV::Missing();
   if (x <= 0.0) return 0.0;
-  long status = 0;
-  const double value = gammad(0.5 * x, 0.5 * df, true, status);
-  return status != 0 ? KXMV::Missing() : value;
+  return diststatus::ValueOrMissing(
+      [&](long& status) { return gammad(0.5 * x, 0.5 * df, true, status); });
 }
 
 double KXDistFun::SigChi(double x, double df) {
   if (!(df > 0.0)) return KXMV::Missing();
   if (x <= 0.0) return 1.0;
-  long status = 0;
-  const double value = gammad(0.5 * x, 0.5 * df, false, status);
-  return status != 0 ? KXMV::Missing() : value;
+  return diststatus::ValueOrMissing(
+      [&](long& status) { return gammad(0.5 * x, 0.5 * df, false, status); });
 }
 
 double KXDistFun::zelkidfchi(const double& p, const double& df, long& status) {
-  status = 0;
+  status = diststatus::kOk;
   if (!(p >= 0.0 && p < 1.0) || !(df > 0.0)) {
-    status = 1;
+    status = diststatus::kInvalidArgument;
     return KXMV::Missing();
   }
   if (p == 0.0) return 0.0;
@@ -117,9 +116,9 @@ double KXDistFun::zelkidfchi(const double& p, const double& df, long& status) {
     if (!(ch > 0.0) || std::isinf(ch)) break;
     const double q = ch;
     const double p1 = 0.5 * ch;
-    long gammaStatus = 0;
+    long gammaStatus = diststatus::kOk;
     const double lowerTail = gammad(p1, xx, true, gammaStatus);
-    if (gammaStatus != 0) break;
+    if (gammaStatus != diststatus::kOk) break;
     const double p2 = p - lowerTail;
     const double exponent = xx * kLn2 + g + p1 - c * std::log(ch);
     const double t = exponent < -708.0 ? 0.0 : p2 * std::exp(exponent);
@@ -147,9 +146,9 @@ double KXDistFun::zelkidfchi(const double& p, const double& df, long& status) {
 
 double KXDistFun::idfchb(const double& p, const double& df, const double& start,
                          long& status) {
-  status = 0;
+  status = diststatus::kOk;
   if (!(start > 0.0) || std::isinf(start)) {
-    status = 1;
+    status = diststatus::kInvalidArgument;
     return KXMV::Missing();
   }
   // Gamma scale: the gamma argument is half the chi-square value, so the
@@ -157,31 +156,31 @@ double KXDistFun::idfchb(const double& p, const double& df, const double& start,
   const double a = 0.5 * df;
   double lo = 0.25 * start;
   double hi = start;
-  long gammaStatus = 0;
+  long gammaStatus = diststatus::kOk;
   const double atLo = gammad(lo, a, true, gammaStatus);
-  if (gammaStatus != 0 || p < atLo) {
-    status = 2;
+  if (gammaStatus != diststatus::kOk || p < atLo) {
+    status = diststatus::kFailed;
     return KXMV::Missing();
   }
   double atHi = gammad(hi, a, true, gammaStatus);
-  if (gammaStatus != 0) {
-    status = 2;
+  if (gammaStatus != diststatus::kOk) {
+    status = diststatus::kFailed;
     return KXMV::Missing();
   }
   if (atHi < p) {
     // Deliberately narrow: the upper end is widened once only.
     hi *= 2.0;
     atHi = gammad(hi, a, true, gammaStatus);
-    if (gammaStatus != 0 || atHi < p) {
-      status = 2;
+    if (gammaStatus != diststatus::kOk || atHi < p) {
+      status = diststatus::kFailed;
       return KXMV::Missing();
     }
   }
   double mid = 0.5 * (lo + hi);
   for (int step = 0; step < 40 && hi - lo > 1e-8 * mid; ++step) {
     const double atMid = gammad(mid, a, true, gammaStatus);
-    if (gammaStatus != 0) {
-      status = 2;
+    if (gammaStatus != diststatus::kOk) {
+      status = diststatus::kFailed;
       return KXMV::Missing();
     }
     if (atMid > p) {
@@ -195,9 +194,8 @@ double KXDistFun::idfchb(const double& p, const double& df, const double& start,
 }
 
 double KXDistFun::IdfChi(double p, double df) {
-  long status = 0;
-  const double value = zelkidfchi(p, df, status);
-  return status != 0 ? KXMV::Missing() : value;
+  return diststatus::ValueOrMissing(
+      [&](long& status) { return zelkidfchi(p, df, status); });
 }
 
 }  // namespace KXCommon
