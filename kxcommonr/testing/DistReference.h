@@ -3,11 +3,13 @@
 // The high-precision reference table of the distribution functions
 // (kxcommonr/common/dist/testdata/dist_reference.csv, written by
 // make_dist_reference.py with mpmath) and the evaluation of KXDistFun at
-// its points. Shared by the accuracy tests and the accuracy report.
+// its points, and the lookup of per-region error budgets. Shared by the
+// accuracy tests and the accuracy report.
 #ifndef KXCOMMONR_TESTING_DISTREFERENCE_H
 #define KXCOMMONR_TESTING_DISTREFERENCE_H
 
 #include <cmath>
+#include <cstddef>
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
@@ -122,6 +124,28 @@ inline std::string DistRegion(const DistReferencePoint& point) {
     region += df <= 100.0 ? ", df <= 100" : ", df > 100";
   }
   return region;
+}
+
+// A budget of the maximum relative error over the reference table, for one
+// function in one region ("*": every region of the function not listed).
+struct DistBudget {
+  const char* function;
+  const char* region;
+  double maxRelativeError;
+};
+
+// The budget of a point, -1 when the table lists no budget for its function.
+template <std::size_t N>
+double DistBudgetFor(const DistBudget (&budgets)[N],
+                     const DistReferencePoint& point) {
+  const std::string region = DistRegion(point);
+  double fallback = -1.0;
+  for (const DistBudget& budget : budgets) {
+    if (point.function != budget.function) continue;
+    if (region == budget.region) return budget.maxRelativeError;
+    if (std::string(budget.region) == "*") fallback = budget.maxRelativeError;
+  }
+  return fallback;
 }
 
 }  // namespace kxtesting
