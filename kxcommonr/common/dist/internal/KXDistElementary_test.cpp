@@ -1,4 +1,4 @@
-// Tests of the double-double building blocks (KXDistElementary.cpp) against
+// Tests of the double-double building blocks (KXDistElementary.h) against
 // independent computations: the fused multiply-add, exact long double sums
 // and the Mercator series of log(1 + e).
 #include "kxcommonr/common/dist/internal/KXDistElementary.h"
