@@ -17,9 +17,10 @@ they are):
     class, becomes `///<`;
   - inside the documentation, runs of lines indented by two or more spaces
     that are not list items are fenced as code, and characters Doxygen would
-    read as commands or markup (backslash, @, <, >, # and % at a word start, a
+    read as commands or markup (backslash, @, <, >, &, # and % at a word start, a
     dot after a blank at the line's end)
-    are escaped, outside `code spans`.
+    are escaped, outside `code spans` and "quoted text", which Doxygen shows as
+    written.
 
 Usage (INPUT_FILTER): doxygen_filter.py <header>; writes the filtered header
 to standard output.
@@ -32,18 +33,39 @@ TRAILING = re.compile(r"^(.*?[^\s].*?)(\s+)//(?!/)\s?(.*)$")
 SCOPE_OPENER = re.compile(r"\b(namespace|class|struct|union|enum)\b|extern\s+\"C\"")
 
 
-def escape_prose(text):
-    """Escapes Doxygen command and markup characters outside `code spans`."""
-    pieces = re.split(r"(`[^`]*`)", text)
-    for index in range(0, len(pieces), 2):
-        piece = pieces[index]
-        piece = piece.replace("\\", "\\\\").replace("@", "\\@")
-        piece = piece.replace("<", "\\<").replace(">", "\\>")
-        piece = re.sub(r"(^|\s)([#%])", r"\1\\\2", piece)
-        # A dot after a blank at the line's end would close a list.
-        piece = re.sub(r"(\s)(\.+)$", lambda m: m.group(1) + "\\." * len(m.group(2)), piece)
-        pieces[index] = piece
-    return "".join(pieces)
+class ProseEscaper:
+    """Escapes Doxygen command and markup characters outside `code spans` and
+    "quoted text" (Doxygen shows both as written). A quote or span may run
+    over several lines of a paragraph, so the state carries from one line to
+    the next until a blank line."""
+
+    def __init__(self):
+        self.closing = None  # the character that ends the current span, if any
+
+    def reset(self):
+        self.closing = None
+
+    def escape(self, text):
+        out = []
+        previous = " "
+        for char in text:
+            if self.closing is not None:
+                out.append(char)
+                if char == self.closing:
+                    self.closing = None
+            elif char in '"`':
+                out.append(char)
+                self.closing = char
+            elif char in "\\@<>&" or (char in "#%" and previous.isspace()):
+                out.append("\\" + char)
+            else:
+                out.append(char)
+            previous = char
+        line = "".join(out)
+        if self.closing is None:
+            # A dot after a blank at the line's end would close a list.
+            line = re.sub(r"(\s)(\.+)$", lambda m: m.group(1) + "\\." * len(m.group(2)), line)
+        return line
 
 
 def comment_text(line):
@@ -55,6 +77,7 @@ def comment_text(line):
 def render_block(texts, indent):
     """Doxygen `///` lines for the texts of one comment block."""
     out = []
+    prose = ProseEscaper()
     in_code = False
     in_list = False
     for text in texts:
@@ -66,6 +89,7 @@ def render_block(texts, indent):
                 out.append("```")
                 in_code = False
             in_list = False
+            prose.reset()
             out.append("")
             continue
         if leading == 0:
@@ -73,15 +97,16 @@ def render_block(texts, indent):
                 out.append("```")
                 in_code = False
             in_list = is_item
-            out.append(escape_prose(text))
+            out.append(prose.escape(text))
             continue
         if is_item or (in_list and not in_code):
             in_list = True
-            out.append(escape_prose(text))
+            out.append(prose.escape(text))
             continue
         if not in_code:
             out.append("```")
             in_code = True
+            prose.reset()
         out.append(text)
     if in_code:
         out.append("```")
@@ -149,7 +174,7 @@ def filter_header(lines):
             if kinds[-1] == "enum" or (kinds[-1] in ("class", "struct", "union")
                                        and declaration.endswith(";")):
                 line = (trailing.group(1) + trailing.group(2) + "///< "
-                        + escape_prose(trailing.group(3)))
+                        + ProseEscaper().escape(trailing.group(3)))
         out.append(line)
         if line.lstrip().startswith("#"):
             continue  # preprocessor lines neither open scopes nor join statements
