@@ -7,8 +7,12 @@
 // reference BLAS, never to whichever BLAS the system alternative points at.
 //
 // CMake passes the paths it found as KXBENCH_*_PATH definitions; a peer that
-// was not found, or fails to load, reports Loaded() == false and the
-// benchmarks that need it are skipped with a message.
+// was not found, or fails to load, reports Loaded() == false. A benchmark
+// finds the routines it times with FindRoutines, which skips the benchmark
+// with a message naming what is missing:
+//
+//   PackedFn dpptrf, dpptri;
+//   if (!kxbench::FindRoutines(state, peer, dpptrf, "dpptrf_", dpptri, "dpptri_")) return;
 #ifndef KXCOMMONR_BENCH_PEERLIBRARIES_H
 #define KXCOMMONR_BENCH_PEERLIBRARIES_H
 
@@ -16,6 +20,8 @@
 #define _GNU_SOURCE
 #endif
 #include <dlfcn.h>
+
+#include <benchmark/benchmark.h>
 
 #include <string>
 #include <vector>
@@ -86,6 +92,44 @@ inline const PeerLibrary& OpenBlas() {
     return loaded;
   }();
   return library;
+}
+
+namespace detail {
+
+inline void FindEach(const PeerLibrary&, std::string&) {}
+
+template <class Fn, class... Rest>
+void FindEach(const PeerLibrary& peer, std::string& missing, Fn& routine,
+              const char* symbol, Rest&&... rest) {
+  routine = peer.Get<Fn>(symbol);
+  if (routine == nullptr) missing += (missing.empty() ? " " : ", ") + std::string(symbol);
+  FindEach(peer, missing, rest...);
+}
+
+}  // namespace detail
+
+// Sets each function pointer to the peer's routine of the name that follows
+// it (FindRoutines(peer, ddot, "ddot_", dasum, "dasum_")). Returns an empty
+// string when the peer is loaded and exports them all, otherwise what is
+// missing ("openblas: not loaded", "refblas: missing dpptri_"); the pointers
+// of missing routines are null.
+template <class... RoutinesAndSymbols>
+std::string FindRoutines(const PeerLibrary& peer, RoutinesAndSymbols&&... routinesAndSymbols) {
+  std::string missing;
+  detail::FindEach(peer, missing, routinesAndSymbols...);
+  if (!peer.Loaded()) return peer.Name() + ": not loaded";
+  return missing.empty() ? missing : peer.Name() + ": missing" + missing;
+}
+
+// The same for a benchmark: true when every routine was found; otherwise
+// the benchmark is skipped with the message and the caller returns.
+template <class... RoutinesAndSymbols>
+bool FindRoutines(benchmark::State& state, const PeerLibrary& peer,
+                  RoutinesAndSymbols&&... routinesAndSymbols) {
+  const std::string missing = FindRoutines(peer, routinesAndSymbols...);
+  if (missing.empty()) return true;
+  state.SkipWithError(missing.c_str());
+  return false;
 }
 
 }  // namespace kxbench

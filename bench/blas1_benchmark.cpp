@@ -69,12 +69,8 @@ void RegisterPeers(const std::string& kernel, const char* symbol, int n,
   for (const kxbench::PeerLibrary* peer : peers) {
     const std::string name = kernel + "/" + peer->Name() + "/" + std::to_string(n);
     benchmark::RegisterBenchmark(name.c_str(), [peer, symbol, body](benchmark::State& state) {
-      Fn fn = peer->Loaded() ? peer->Get<Fn>(symbol) : nullptr;
-      if (fn == nullptr) {
-        state.SkipWithError("peer not found");
-        return;
-      }
-      body(state, fn);
+      Fn fn;
+      if (kxbench::FindRoutines(state, *peer, fn, symbol)) body(state, fn);
     });
   }
 }
@@ -266,9 +262,9 @@ void RegisterAll() {
 // against the reference BLAS on the benchmark inputs and report it.
 void ReportBitIdentity() {
   const kxbench::PeerLibrary& reference = kxbench::ReferenceBlas();
-  DotFn ddot = reference.Loaded() ? reference.Get<DotFn>("ddot_") : nullptr;
-  Norm1Fn dasum = reference.Loaded() ? reference.Get<Norm1Fn>("dasum_") : nullptr;
-  if (ddot == nullptr || dasum == nullptr) return;
+  DotFn ddot;
+  Norm1Fn dasum;
+  if (!kxbench::FindRoutines(reference, ddot, "ddot_", dasum, "dasum_").empty()) return;
   bool same = true;
   for (int n : {100, 10000, 1000000}) {
     Data& d = Inputs(n);

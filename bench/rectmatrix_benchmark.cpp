@@ -79,11 +79,8 @@ void BM_ProductOurs(benchmark::State& state) {
 }
 
 void BM_ProductOpenBlasDgemm(benchmark::State& state) {
-  const auto dgemm = kxbench::OpenBlas().Loaded() ? kxbench::OpenBlas().Get<DgemmFn>("dgemm_") : nullptr;
-  if (dgemm == nullptr) {
-    state.SkipWithError("peer not found");
-    return;
-  }
+  DgemmFn dgemm;
+  if (!kxbench::FindRoutines(state, kxbench::OpenBlas(), dgemm, "dgemm_")) return;
   const int n = static_cast<int>(state.range(0));
   const KXRectMatrix a = RandomMatrix(n, n, 1);
   const KXRectMatrix b = RandomMatrix(n, n, 2);
@@ -136,11 +133,8 @@ void BM_UpdateXXCaseByCase(benchmark::State& state) {
 }
 
 void BM_OpenBlasDsyrkBlocks(benchmark::State& state) {
-  const auto dsyrk = kxbench::OpenBlas().Loaded() ? kxbench::OpenBlas().Get<DsyrkFn>("dsyrk_") : nullptr;
-  if (dsyrk == nullptr) {
-    state.SkipWithError("peer not found");
-    return;
-  }
+  DsyrkFn dsyrk;
+  if (!kxbench::FindRoutines(state, kxbench::OpenBlas(), dsyrk, "dsyrk_")) return;
   const int p = static_cast<int>(state.range(0));
   const std::vector<KXRectMatrix> pool = BlockPool(p);
   const int blocks = kTotalCases / kBlockCases;
@@ -161,11 +155,8 @@ void BM_OpenBlasDsyrkBlocks(benchmark::State& state) {
 }
 
 void BM_OpenBlasDsprCaseByCase(benchmark::State& state) {
-  const auto dspr = kxbench::OpenBlas().Loaded() ? kxbench::OpenBlas().Get<DsprFn>("dspr_") : nullptr;
-  if (dspr == nullptr) {
-    state.SkipWithError("peer not found");
-    return;
-  }
+  DsprFn dspr;
+  if (!kxbench::FindRoutines(state, kxbench::OpenBlas(), dspr, "dspr_")) return;
   const int p = static_cast<int>(state.range(0));
   const std::vector<KXRectMatrix> pool = BlockPool(p);
   const int blocks = kTotalCases / kBlockCases;
@@ -209,13 +200,9 @@ void BM_FindRedundanciesOurs(benchmark::State& state) {
 }
 
 void BM_FindRedundanciesOpenBlas(benchmark::State& state) {
-  const kxbench::PeerLibrary& peer = kxbench::OpenBlas();
-  const auto dsyrk = peer.Loaded() ? peer.Get<DsyrkFn>("dsyrk_") : nullptr;
-  const auto dpotrf = peer.Loaded() ? peer.Get<DpotrfFn>("dpotrf_") : nullptr;
-  if (dsyrk == nullptr || dpotrf == nullptr) {
-    state.SkipWithError("peer not found");
-    return;
-  }
+  DsyrkFn dsyrk;
+  DpotrfFn dpotrf;
+  if (!kxbench::FindRoutines(state, kxbench::OpenBlas(), dsyrk, "dsyrk_", dpotrf, "dpotrf_")) return;
   const int p = static_cast<int>(state.range(0));
   const KXRectMatrix design = Design(kTotalCases, p);
   const int k = kTotalCases;

@@ -113,13 +113,15 @@ using DgemvFn = void (*)(const char*, const int*, const int*, const double*, con
 // routine is missing or the factorisation fails.
 bool FitOpenBlas(const CsvTable& table, int block, std::vector<double>& beta,
                  std::vector<double>& inverseDiagonal, double& rss) {
-  const auto& peer = kxbench::OpenBlas();
-  const auto dsyrk = peer.Get<DsyrkFn>("dsyrk_");
-  const auto dpotrf = peer.Get<DpotrfFn>("dpotrf_");
-  const auto dpotrs = peer.Get<DpotrsFn>("dpotrs_");
-  const auto dpotri = peer.Get<DpotriFn>("dpotri_");
-  const auto dgemv = peer.Get<DgemvFn>("dgemv_");
-  if (!dsyrk || !dpotrf || !dpotrs || !dpotri || !dgemv) return false;
+  DsyrkFn dsyrk;
+  DpotrfFn dpotrf;
+  DpotrsFn dpotrs;
+  DpotriFn dpotri;
+  DgemvFn dgemv;
+  if (!kxbench::FindRoutines(kxbench::OpenBlas(), dsyrk, "dsyrk_", dpotrf, "dpotrf_", dpotrs,
+                             "dpotrs_", dpotri, "dpotri_", dgemv, "dgemv_").empty()) {
+    return false;
+  }
   const int order = kPredictors + 1;  // predictors, then y
   const std::size_t numRows = table.NumRows();
   auto column = [](int k) { return k < kPredictors ? k + 1 : 0; };
@@ -202,10 +204,7 @@ bool FitOpenBlas(const CsvTable& table, int block, std::vector<double>& beta,
 }
 
 void BM_FitOpenBlas(benchmark::State& state) {
-  if (!kxbench::OpenBlas().Loaded()) {
-    state.SkipWithError("peer not found");
-    return;
-  }
+  if (!kxbench::FindRoutines(state, kxbench::OpenBlas())) return;
   const CsvTable& table = Cases(static_cast<std::size_t>(state.range(0)));
   std::vector<double> beta;
   std::vector<double> inverseDiagonal;
@@ -278,11 +277,8 @@ void BM_CrossProductsUpdateXXMat2(benchmark::State& state) {
 }
 
 void BM_CrossProductsDsyrk(benchmark::State& state) {
-  const auto dsyrk = kxbench::OpenBlas().Get<DsyrkFn>("dsyrk_");
-  if (!dsyrk) {
-    state.SkipWithError("peer not found");
-    return;
-  }
+  DsyrkFn dsyrk;
+  if (!kxbench::FindRoutines(state, kxbench::OpenBlas(), dsyrk, "dsyrk_")) return;
   const CsvTable& table = Cases(static_cast<std::size_t>(state.range(0)));
   const int order = table.NumColumns();
   const int block = 256;

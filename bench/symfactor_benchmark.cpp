@@ -85,11 +85,8 @@ void BM_LTChol(benchmark::State& state) {
 }
 
 void BM_Dpptrf(benchmark::State& state, const kxbench::PeerLibrary& peer) {
-  const PackedFn dpptrf = peer.Loaded() ? peer.Get<PackedFn>("dpptrf_") : nullptr;
-  if (dpptrf == nullptr) {
-    state.SkipWithError("peer not found");
-    return;
-  }
+  PackedFn dpptrf;
+  if (!kxbench::FindRoutines(state, peer, dpptrf, "dpptrf_")) return;
   const int n = static_cast<int>(state.range(0));
   const std::vector<double> original = TestMatrix(n).GetData();
   std::vector<double> work;
@@ -104,11 +101,8 @@ void BM_Dpptrf(benchmark::State& state, const kxbench::PeerLibrary& peer) {
 }
 
 void BM_Dpotrf(benchmark::State& state, const kxbench::PeerLibrary& peer) {
-  const FullFn dpotrf = peer.Loaded() ? peer.Get<FullFn>("dpotrf_") : nullptr;
-  if (dpotrf == nullptr) {
-    state.SkipWithError("peer not found");
-    return;
-  }
+  FullFn dpotrf;
+  if (!kxbench::FindRoutines(state, peer, dpotrf, "dpotrf_")) return;
   const int n = static_cast<int>(state.range(0));
   const std::vector<double> original = FullSquare(TestMatrix(n));
   std::vector<double> work;
@@ -155,12 +149,8 @@ void BM_SweepAll(benchmark::State& state) {
 }
 
 void BM_DpptrfDpptri(benchmark::State& state, const kxbench::PeerLibrary& peer) {
-  const PackedFn dpptrf = peer.Loaded() ? peer.Get<PackedFn>("dpptrf_") : nullptr;
-  const PackedFn dpptri = peer.Loaded() ? peer.Get<PackedFn>("dpptri_") : nullptr;
-  if (dpptrf == nullptr || dpptri == nullptr) {
-    state.SkipWithError("peer not found");
-    return;
-  }
+  PackedFn dpptrf, dpptri;
+  if (!kxbench::FindRoutines(state, peer, dpptrf, "dpptrf_", dpptri, "dpptri_")) return;
   const int n = static_cast<int>(state.range(0));
   const std::vector<double> original = TestMatrix(n).GetData();
   std::vector<double> work;
@@ -176,12 +166,8 @@ void BM_DpptrfDpptri(benchmark::State& state, const kxbench::PeerLibrary& peer) 
 }
 
 void BM_DpotrfDpotri(benchmark::State& state, const kxbench::PeerLibrary& peer) {
-  const FullFn dpotrf = peer.Loaded() ? peer.Get<FullFn>("dpotrf_") : nullptr;
-  const FullFn dpotri = peer.Loaded() ? peer.Get<FullFn>("dpotri_") : nullptr;
-  if (dpotrf == nullptr || dpotri == nullptr) {
-    state.SkipWithError("peer not found");
-    return;
-  }
+  FullFn dpotrf, dpotri;
+  if (!kxbench::FindRoutines(state, peer, dpotrf, "dpotrf_", dpotri, "dpotri_")) return;
   const int n = static_cast<int>(state.range(0));
   const std::vector<double> original = FullSquare(TestMatrix(n));
   std::vector<double> work;

@@ -51,11 +51,8 @@ void BM_UpdateXX(benchmark::State& state, double zeroShare) {
 
 void BM_Dspr(benchmark::State& state, const kxbench::PeerLibrary& peer,
              double zeroShare) {
-  const DsprFn dspr = peer.Loaded() ? peer.Get<DsprFn>("dspr_") : nullptr;
-  if (dspr == nullptr) {
-    state.SkipWithError("peer not found");
-    return;
-  }
+  DsprFn dspr;
+  if (!kxbench::FindRoutines(state, peer, dspr, "dspr_")) return;
   const int n = static_cast<int>(state.range(0));
   std::vector<double> packed(static_cast<std::size_t>(n) * (n + 1) / 2, 0.0);
   const std::vector<double> x = CaseVector(n, zeroShare);
@@ -89,11 +86,8 @@ void BM_ComputeSV(benchmark::State& state) {
 }
 
 void BM_Dspmv(benchmark::State& state, const kxbench::PeerLibrary& peer) {
-  const DspmvFn dspmv = peer.Loaded() ? peer.Get<DspmvFn>("dspmv_") : nullptr;
-  if (dspmv == nullptr) {
-    state.SkipWithError("peer not found");
-    return;
-  }
+  DspmvFn dspmv;
+  if (!kxbench::FindRoutines(state, peer, dspmv, "dspmv_")) return;
   const int n = static_cast<int>(state.range(0));
   KXCommon::KXSymMatrix matrix(n);
   matrix.UpdateXX(CaseVector(n, 0.0), 1.0);
@@ -123,12 +117,9 @@ void BM_ComputeVSV(benchmark::State& state) {
 }
 
 void BM_DspmvDdot(benchmark::State& state, const kxbench::PeerLibrary& peer) {
-  const DspmvFn dspmv = peer.Loaded() ? peer.Get<DspmvFn>("dspmv_") : nullptr;
-  const DdotFn ddot = peer.Loaded() ? peer.Get<DdotFn>("ddot_") : nullptr;
-  if (dspmv == nullptr || ddot == nullptr) {
-    state.SkipWithError("peer not found");
-    return;
-  }
+  DspmvFn dspmv;
+  DdotFn ddot;
+  if (!kxbench::FindRoutines(state, peer, dspmv, "dspmv_", ddot, "ddot_")) return;
   const int n = static_cast<int>(state.range(0));
   KXCommon::KXSymMatrix matrix(n);
   matrix.UpdateXX(CaseVector(n, 0.0), 1.0);

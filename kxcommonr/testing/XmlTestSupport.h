@@ -1,14 +1,15 @@
 // kxcommonr/testing/XmlTestSupport.h
 //
-// Helpers for tests that write XML: unique temporary files, and libxml2's
+// Helpers for tests that write XML: unique temporary files, libxml2's
 // xmllint as an independent well-formedness checker (tests GTEST_SKIP when
-// xmllint is not on the PATH).
+// xmllint is not on the PATH), and a scoped switch of one locale category.
 #ifndef KXCOMMONR_TESTING_XMLTESTSUPPORT_H
 #define KXCOMMONR_TESTING_XMLTESTSUPPORT_H
 
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <clocale>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
@@ -75,6 +76,25 @@ inline std::string RunXmlLint(const std::string& options, const std::string& pat
   std::remove(outPath.c_str());
   return printed.str();
 }
+
+// Sets one category of the C locale (LC_CTYPE, LC_NUMERIC, ...) for its
+// lifetime when `name` is installed (active()), and restores it afterwards.
+class LocaleScope {
+ public:
+  LocaleScope(int category, const char* name)
+      : category_(category), saved_(std::setlocale(category, nullptr)) {
+    active_ = std::setlocale(category, name) != nullptr;
+  }
+  ~LocaleScope() { std::setlocale(category_, saved_.c_str()); }
+  LocaleScope(const LocaleScope&) = delete;
+  LocaleScope& operator=(const LocaleScope&) = delete;
+  bool active() const { return active_; }
+
+ private:
+  int category_;
+  std::string saved_;
+  bool active_ = false;
+};
 
 }  // namespace kxtesting
 

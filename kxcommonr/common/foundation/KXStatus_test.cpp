@@ -2,74 +2,49 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <limits>
 
 namespace {
 
 using KXCommon::KXStatus;
 
-TEST(KXStatusTest, SeverityAloneDecidesTheKind) {
-  const KXStatus ok;
-  EXPECT_TRUE(ok.IsOK());
-  EXPECT_FALSE(ok.IsError());
-  EXPECT_FALSE(ok.IsWarning());
-  EXPECT_EQ(ok.GetCode(), 0);
-
-  const KXStatus warning(5, true);
-  EXPECT_TRUE(warning.IsWarning());
-  EXPECT_FALSE(warning.IsOK());
-  EXPECT_EQ(warning.GetCode(), 5);
-  EXPECT_EQ(warning.GetSeverity(), 1);
-
-  const KXStatus error(5, false);
-  EXPECT_TRUE(error.IsError());
-  EXPECT_EQ(error.GetSeverity(), -1);
-
-  // A zero code with a severity is still not OK.
-  EXPECT_TRUE(KXStatus(0, false).IsError());
-  for (unsigned i = 0; i < 3; ++i) {
-    EXPECT_EQ(error.GetDiscreteDatum(i), 0);
-    EXPECT_EQ(error.GetScaleDatum(i), 0.0);
+TEST(KXStatusTest, SeverityAloneDecidesTheKindAndDetailsStartAtZero) {
+  const struct { KXStatus status; long code; int severity; } table[] = {
+      {KXStatus(), 0, 0}, {KXStatus(5, true), 5, 1}, {KXStatus(5, false), 5, -1},
+      {KXStatus(0, false), 0, -1}, {KXStatus(INT32_MIN, true), INT32_MIN, 1}};
+  for (const auto& row : table) {
+    EXPECT_TRUE(row.status.GetCode() == row.code && row.status.GetSeverity() == row.severity);
+    EXPECT_EQ(row.status.IsOK(), row.severity == 0);
+    EXPECT_EQ(row.status.IsError(), row.severity < 0);
+    EXPECT_EQ(row.status.IsWarning(), row.severity > 0);
+    for (unsigned i = 0; i < 4; ++i) {
+      EXPECT_TRUE(row.status.GetDiscreteDatum(i) == 0 && row.status.GetScaleDatum(i) == 0.0);
+    }
   }
 }
 
+// Each of the three details takes part in ==, a fourth is ignored, and a NaN
+// detail makes a status unequal even to itself.
 TEST(KXStatusTest, EqualityComparesEveryField) {
-  KXStatus a(7, false);
-  KXStatus b(7, false);
-  EXPECT_TRUE(a == b);
-  EXPECT_FALSE(a == KXStatus(7, true));
-  EXPECT_FALSE(a == KXStatus(8, false));
-  for (unsigned i = 0; i < 3; ++i) {
-    KXStatus c = a;
-    c.SetDiscreteDatum(i, 42);
-    EXPECT_EQ(c.GetDiscreteDatum(i), 42);
-    EXPECT_FALSE(a == c) << i;
-    c = a;
-    c.SetScaleDatum(i, 0.5);
-    EXPECT_EQ(c.GetScaleDatum(i), 0.5);
-    EXPECT_FALSE(a == c) << i;
-    b.SetDiscreteDatum(i, static_cast<long>(i) + 1);
-    b.SetScaleDatum(i, i * 2.5);
+  const KXStatus base(7, false);
+  EXPECT_TRUE(base != KXStatus(7, true) && base != KXStatus(8, false));
+  KXStatus detailed = base;
+  for (unsigned i = 0; i < 4; ++i) {
+    KXStatus discrete = base, scale = base;
+    discrete.SetDiscreteDatum(i, INT32_MAX);
+    scale.SetScaleDatum(i, 0.5);
+    EXPECT_EQ(discrete.GetDiscreteDatum(i) + scale.GetScaleDatum(i), i < 3 ? INT32_MAX + 0.5 : 0);
+    EXPECT_EQ(discrete == base, i == 3) << i;
+    EXPECT_EQ(scale == base, i == 3) << i;
+    detailed.SetDiscreteDatum(i, i + 1);
+    detailed.SetScaleDatum(i, i * 2.5);
   }
-  const KXStatus copy = b;
-  EXPECT_TRUE(copy == b);
-  EXPECT_FALSE(copy != b);
-}
-
-TEST(KXStatusTest, OddDetails) {
-  // Details outside the three are ignored.
-  KXStatus a(1, true);
-  const KXStatus before = a;
-  a.SetDiscreteDatum(3, 9);
-  a.SetScaleDatum(100, 9.0);
-  EXPECT_TRUE(a == before);
-  EXPECT_EQ(a.GetDiscreteDatum(3), 0);
-  EXPECT_EQ(a.GetScaleDatum(7), 0.0);
-  // A NaN detail makes a status unequal even to itself.
-  a.SetScaleDatum(2, std::numeric_limits<double>::quiet_NaN());
-  const KXStatus& alias = a;
-  EXPECT_FALSE(a == KXStatus(a));
-  EXPECT_FALSE(a == alias);
+  EXPECT_TRUE(detailed == KXStatus(detailed));
+  EXPECT_TRUE(detailed.GetDiscreteDatum(3) == 0 && detailed.GetScaleDatum(3) == 0.0);
+  detailed.SetScaleDatum(2, std::numeric_limits<double>::quiet_NaN());
+  const KXStatus& alias = detailed;
+  EXPECT_TRUE(detailed != alias);
 }
 
 }  // namespace
