@@ -16,7 +16,7 @@
 #include "kxcommonr/common/containers/KXBitSet.h"
 #include "kxcommonr/common/foundation/KXMV.h"
 #include "kxcommonr/common/symmatrix/KXSymMatrix.h"
-#include "kxcommonr/common/symmatrix/internal/KXPackedFactorKernels.h"
+#include "kxcommonr/common/packed/KXPackedFactorKernels.h"
 #include "kxcommonr/testing/SymMatrixTestUtil.h"
 #include "kxcommonr/testing/TestData.h"
 
