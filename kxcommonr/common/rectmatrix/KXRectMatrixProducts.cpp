@@ -11,8 +11,8 @@
 #include <vector>
 
 #include "kxcommonr/common/foundation/KXMV.h"
+#include "kxcommonr/common/rectmatrix/KXDenseKernels.h"
 #include "kxcommonr/common/rectmatrix/KXRectMatrix.h"
-#include "kxcommonr/common/rectmatrix/internal/KXDenseKernels.h"
 
 namespace KXCommon {
 
