@@ -28,14 +28,20 @@ using internal::StridedView;
 // Default relative tolerance on norms where an operation takes none.
 constexpr double kDefaultRankTolerance = 1e-7;
 
+// The rank-tolerant Cholesky factor of a cross-product matrix.
+struct CrossProductFactor {
+  std::vector<double> factor;           // L, packed
+  std::vector<unsigned char> accepted;  // one flag per row, 1 when accepted
+  int redundant = -1;                   // the number of redundant rows; -1 on failure
+};
+
 // The cross products of a's rows (A A', byRows) or columns (A'A) as a packed
-// triangle, factorised in place: factor receives L, accepted one flag per
-// row or column (1 when accepted). A pivot is redundant when it does not
-// exceed tol^2 times its row's initial diagonal. Returns the number of
-// redundant ones, -1 when a's data is inconsistent. Throws std::bad_alloc.
-int FactorCrossProducts(const KXRectMatrix& a, bool byRows, double tol,
-                        std::vector<double>& factor, std::vector<unsigned char>& accepted) {
-  if (!a.HasConsistentData()) return -1;
+// triangle, factorised in place. A pivot is redundant when it does not
+// exceed tol^2 times its row's initial diagonal. Fails (redundant -1) when
+// a's data is inconsistent. Throws std::bad_alloc.
+CrossProductFactor FactorCrossProducts(const KXRectMatrix& a, bool byRows, double tol) {
+  CrossProductFactor result;
+  if (!a.HasConsistentData()) return result;
   const int rows = a.GetNRows();
   const int cols = a.GetNCols();
   const int order = byRows ? rows : cols;
@@ -44,12 +50,15 @@ int FactorCrossProducts(const KXRectMatrix& a, bool byRows, double tol,
   // x(p, i) x(p, j) (columns).
   const StridedView left = byRows ? StridedView{x, cols, 1} : StridedView{x, 1, cols};
   const StridedView right = byRows ? StridedView{x, 1, cols} : StridedView{x, cols, 1};
+  std::vector<double>& factor = result.factor;
   factor.assign(KXPacked::Size(order), 0.0);
   internal::PackedLowerAccumulate(order, byRows ? cols : rows, left, 1.0, right, factor.data());
   std::vector<double> diagonal(static_cast<std::size_t>(order));
   for (int i = 0; i < order; ++i) diagonal[static_cast<std::size_t>(i)] = factor[KXPacked::Index(i, i)];
-  accepted.assign(static_cast<std::size_t>(order), 0);
-  return internal::PackedCholesky(factor.data(), order, diagonal.data(), tol * tol, accepted.data());
+  result.accepted.assign(static_cast<std::size_t>(order), 0);
+  result.redundant =
+      internal::PackedCholesky(factor.data(), order, diagonal.data(), tol * tol, result.accepted.data());
+  return result;
 }
 
 // Sets the bits of the accepted rows in mask, which is first grown to their
@@ -87,11 +96,9 @@ void SolveWithFactor(const std::vector<double>& factor, int n, double* x) {
 int KXRectMatrix::FindRedundancies(double tol, KXBitSet& nonRedundant, bool byRows) {
   if (!(tol >= 0.0)) return -1;
   try {
-    std::vector<double> factor;
-    std::vector<unsigned char> accepted;
-    const int redundant = FactorCrossProducts(*this, byRows, tol, factor, accepted);
-    if (redundant >= 0) MarkAccepted(accepted, nonRedundant);
-    return redundant;
+    const CrossProductFactor cross = FactorCrossProducts(*this, byRows, tol);
+    if (cross.redundant >= 0) MarkAccepted(cross.accepted, nonRedundant);
+    return cross.redundant;
   } catch (const std::bad_alloc&) {
     return -1;
   }
@@ -100,16 +107,14 @@ int KXRectMatrix::FindRedundancies(double tol, KXBitSet& nonRedundant, bool byRo
 int KXRectMatrix::FindNonRedunIndices(double tol, std::vector<int>& idx, bool byRows) {
   if (!(tol >= 0.0)) return -1;
   try {
-    std::vector<double> factor;
-    std::vector<unsigned char> accepted;
-    const int redundant = FactorCrossProducts(*this, byRows, tol, factor, accepted);
-    if (redundant < 0) return -1;
+    const CrossProductFactor cross = FactorCrossProducts(*this, byRows, tol);
+    if (cross.redundant < 0) return -1;
     std::vector<int> kept;
-    kept.reserve(accepted.size());
-    for (std::size_t i = 0; i < accepted.size(); ++i)
-      if (accepted[i]) kept.push_back(static_cast<int>(i));
+    kept.reserve(cross.accepted.size());
+    for (std::size_t i = 0; i < cross.accepted.size(); ++i)
+      if (cross.accepted[i]) kept.push_back(static_cast<int>(i));
     idx.swap(kept);
-    return redundant;
+    return cross.redundant;
   } catch (const std::bad_alloc&) {
     return -1;
   }
@@ -141,13 +146,12 @@ int KXRectMatrix::CheckAddColRedundancies(const KXBitSet& inModel, KXBitSet& non
       if (!inModel.IsIn(j)) order.push_back(j);
     KXRectMatrix permuted;
     if (ExtractColumns(order, permuted) < 0) return -1;
-    std::vector<double> factor;
-    std::vector<unsigned char> accepted;
-    if (FactorCrossProducts(permuted, false, kDefaultRankTolerance, factor, accepted) < 0) return -1;
+    const CrossProductFactor cross = FactorCrossProducts(permuted, false, kDefaultRankTolerance);
+    if (cross.redundant < 0) return -1;
     KXBitSet result(nCols);
     int redundantCandidates = 0;
     for (int q = 0; q < nCols; ++q) {
-      if (accepted[static_cast<std::size_t>(q)]) {
+      if (cross.accepted[static_cast<std::size_t>(q)]) {
         result.Set(order[static_cast<std::size_t>(q)], true);
       } else if (q >= modelCount) {
         ++redundantCandidates;
@@ -176,14 +180,13 @@ bool KXRectMatrix::IsEstimable(const KXRectMatrix& L, const KXBitSet& nonRedunda
     if (nKept > 0) {
       KXRectMatrix keptColumns;
       if (ExtractColumns(kept, keptColumns) < 0) return false;
-      std::vector<double> factor;
-      std::vector<unsigned char> accepted;
-      if (FactorCrossProducts(keptColumns, false, 0.0, factor, accepted) < 0) return false;
+      const CrossProductFactor cross = FactorCrossProducts(keptColumns, false, 0.0);
+      if (cross.redundant < 0) return false;
       for (std::size_t q = 0; q < redundant.size(); ++q) {
         std::vector<double>& b = coefficients[q];
         b.resize(static_cast<std::size_t>(nKept));
         for (int k = 0; k < nKept; ++k) b[static_cast<std::size_t>(k)] = keptColumns.DotProductColCol(k, *this, redundant[q]);
-        SolveWithFactor(factor, nKept, b.data());
+        SolveWithFactor(cross.factor, nKept, b.data());
       }
     }
     // l is estimable when, for every redundant r, l_r = l_N . b_r.
@@ -209,15 +212,13 @@ bool KXRectMatrix::IsEstimable(const KXRectMatrix& L, const KXBitSet& nonRedunda
 int KXRectMatrix::EstimateLinearGI(const std::vector<double>& y, std::vector<double>& b, double tol) const {
   if (y.size() != static_cast<std::size_t>(nRows) || !(tol >= 0.0)) return -1;
   try {
-    std::vector<double> factor;
-    std::vector<unsigned char> accepted;
-    const int redundant = FactorCrossProducts(*this, false, tol, factor, accepted);
-    if (redundant < 0) return -1;
+    const CrossProductFactor cross = FactorCrossProducts(*this, false, tol);
+    if (cross.redundant < 0) return -1;
     std::vector<double> solution;
     if (!ComputeVR(y, solution)) return -1;  // X'y
-    SolveWithFactor(factor, nCols, solution.data());
+    SolveWithFactor(cross.factor, nCols, solution.data());
     b.swap(solution);
-    return redundant;
+    return cross.redundant;
   } catch (const std::bad_alloc&) {
     return -1;
   }
@@ -227,9 +228,8 @@ bool KXRectMatrix::ResidOfOrthProjection(const KXRectMatrix& B, double tol, KXBi
                                          KXBitSet& residNonZero) {
   if (B.nRows != nRows || !(tol >= 0.0) || !HasConsistentData() || !B.HasConsistentData()) return false;
   try {
-    std::vector<double> factor;
-    std::vector<unsigned char> accepted;
-    if (FactorCrossProducts(B, false, tol, factor, accepted) < 0) return false;
+    const CrossProductFactor cross = FactorCrossProducts(B, false, tol);
+    if (cross.redundant < 0) return false;
     // Coefficients C = (B'B)^- B'A, column by column, then A - B C.
     KXRectMatrix transposedB(B);
     if (!transposedB.Transpose()) return false;
@@ -238,7 +238,7 @@ bool KXRectMatrix::ResidOfOrthProjection(const KXRectMatrix& B, double tol, KXBi
     std::vector<double> column;
     for (int c = 0; c < nCols; ++c) {
       coefficients.GetCol(c, column);
-      SolveWithFactor(factor, B.nCols, column.data());
+      SolveWithFactor(cross.factor, B.nCols, column.data());
       for (int k = 0; k < B.nCols; ++k) coefficients.SetElem(k, c, column[static_cast<std::size_t>(k)]);
     }
     KXRectMatrix fitted;
@@ -254,7 +254,7 @@ bool KXRectMatrix::ResidOfOrthProjection(const KXRectMatrix& B, double tol, KXBi
       }
     }
     KXBitSet acceptedColumns;
-    MarkAccepted(accepted, acceptedColumns);
+    MarkAccepted(cross.accepted, acceptedColumns);
     *this = residual;
     bNonRedundant = acceptedColumns;
     residNonZero = nonZero;
