@@ -21,6 +21,7 @@
 #include "kxcommonr/common/containers/KXPackedInt.h"
 
 // Matrices
+#include "kxcommonr/common/packed/KXPackedLayout.h"
 #include "kxcommonr/common/symmatrix/KXSymMatrixData.h"
 #include "kxcommonr/common/symmatrix/KXSymMatrix.h"
 #include "kxcommonr/common/symmatrix/KXSymBlockMatrix.h"

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "kxcommonr/common/foundation/KXMV.h"
+#include "kxcommonr/common/packed/KXPackedLayout.h"
 
 namespace KXComponentDisplay {
 
@@ -297,18 +298,21 @@ void DisplayDVTR(std::string name, const std::vector<double>& v, int rows) {
   name += ")";
   EmitLine(name);
   for (int i = 0; i < rows; ++i) {
-    const std::size_t start =
-        static_cast<std::size_t>(i) * (static_cast<std::size_t>(i) + 1) / 2;
+    const std::size_t start = KXCommon::KXPacked::RowStart(i);
     if (start >= v.size()) break;
     const std::size_t rowLength = static_cast<std::size_t>(i) + 1;
     const std::size_t available = v.size() - start;
     const std::size_t shown = available < rowLength ? available : rowLength;
-    std::string label = "row ";
-    AppendFormatted(label, " %d", i);
-    label += ": ";
-    DisplayDA(label, v.data() + start, static_cast<int>(shown), false);
+    DisplayRowDA("row  ", i, v.data() + start, static_cast<int>(shown));
     if (shown < rowLength) break;
   }
+}
+
+void DisplayRowDA(const std::string& prefix, int row, const double* a, int n) {
+  std::string label = prefix;
+  AppendFormatted(label, "%d", row);
+  label += ": ";
+  DisplayDA(label, a, n, false);
 }
 
 void DisplayVPD(std::string name,

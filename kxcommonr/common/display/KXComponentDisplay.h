@@ -104,8 +104,16 @@ KXCOMMONR_API void DisplayIntVecIntMap(
 KXCOMMONR_API void DisplayIIM(std::string name, const std::map<int, int>& m);
 // One line: the name, then " (k,v)" for every pair, or " <none>".
 KXCOMMONR_API void DisplayVIM(std::string name, const std::map<int, int>& m);
+// One labelled row of a matrix: the label line "<prefix><row>: " (row as
+// "%d"), then the n values of a as DisplayDA prints them (" %g" / " miss",
+// 10 per line). The matrix displays print every row through this, e.g.
+// DisplayRowDA("row ", 2, a, 3) gives "row 2: " and "  a0 a1 a2". Nothing
+// beyond the label when a is null or n < 1.
+KXCOMMONR_API void DisplayRowDA(const std::string& prefix, int row,
+                                const double* a, int n);
 // A packed lower triangle of `rows` rows: header "name (number of elements =
-// n, number of rows = r)", then per row a DisplayDA block labelled "row  i: ".
+// n, number of rows = r)", then each row by DisplayRowDA labelled "row  i: " (two
+// spaces).
 // A vector ending inside a row prints the remaining elements and stops.
 KXCOMMONR_API void DisplayDVTR(std::string name, const std::vector<double>& v,
                                int rows);

@@ -123,6 +123,10 @@ TEST(KXComponentDisplayTest, EachFormatPrintsItsExactText) {
        "\nmap size = 11\npairs" + Joined(0, 9, Pair) + "\n  (10,-10)"},
       {"int map, one line", [] { DisplayVIM("pairs", ElevenPairs()); },
        "\npairs" + Joined(0, 10, Pair)},
+      {"labelled rows: the prefix, the number, a colon, then the values",
+       [&] { DisplayRowDA("row ", 12, values, 3); DisplayRowDA("r", -1, values, 0);
+             DisplayRowDA("", 0, nullptr, 2); },
+       "\nrow 12: \n  1.5 miss -2\nr-1: \n0: "},
       {"packed triangle stops inside a short row",
        [] { DisplayDVTR("tri", {1, 2, 3, 4}, 3); DisplayDVTR("tri", {1, 2, 3}, 2); },
        "\ntri (number of elements = 4, number of rows = 3)"

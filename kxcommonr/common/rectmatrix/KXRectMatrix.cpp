@@ -5,10 +5,8 @@
 #include "kxcommonr/common/rectmatrix/KXRectMatrix.h"
 
 #include <cmath>
-#include <cstdio>
 #include <new>
 #include <stdexcept>
-#include <string>
 #include <utility>
 
 #include "kxcommonr/common/containers/KXBitSet.h"
@@ -49,11 +47,7 @@ void KXRectMatrix::DisplayF() const {
   DisplayText(1, "KXRectMatrix full matrix display start");
   DisplayI("Number of rows", nRows);
   DisplayI("Number of columns", nCols);
-  for (int i = 0; i < nRows; ++i) {
-    char label[32];
-    std::snprintf(label, sizeof label, "%d", i);
-    DisplayDA(std::string("row ") + label + ": ", data.data() + Offset(i, 0), nCols, false);
-  }
+  for (int i = 0; i < nRows; ++i) DisplayRowDA("row ", i, data.data() + Offset(i, 0), nCols);
   DisplayText(1, "KXRectMatrix display end");
 }
 

@@ -1,7 +1,7 @@
 // kxcommonr/common/rectmatrix/KXRectMatrixProducts.cpp
 //
 // Dot products and matrix products of KXRectMatrix. The matrix products run
-// on the blocked kernels of internal/KXDenseKernels, which accumulate every
+// on the blocked kernels of KXDenseKernels, which accumulate every
 // output in increasing order of the summation index (results independent of
 // the vector unit in use and equal to a plain triple loop).
 #include <cstddef>
@@ -11,8 +11,8 @@
 #include <vector>
 
 #include "kxcommonr/common/foundation/KXMV.h"
+#include "kxcommonr/common/rectmatrix/KXDenseKernels.h"
 #include "kxcommonr/common/rectmatrix/KXRectMatrix.h"
-#include "kxcommonr/common/rectmatrix/internal/KXDenseKernels.h"
 
 namespace KXCommon {
 

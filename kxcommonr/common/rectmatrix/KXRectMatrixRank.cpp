@@ -1,8 +1,9 @@
 // kxcommonr/common/rectmatrix/KXRectMatrixRank.cpp
 //
-// Rank and estimability tools of KXRectMatrix. They form cross-product
-// matrices and factorise them with the redundancy-marking Cholesky of
-// KXSymMatrix. Tolerances apply to norms: internally they are squared,
+// Rank and estimability tools of KXRectMatrix. They form the cross products
+// of the rows or columns as a packed triangle (with the dense kernels) and
+// factorise it with the redundancy-marking Cholesky of the packed
+// component. Tolerances apply to norms: internally they are squared,
 // because they are compared with cross products, whose entries scale with
 // the square of the data.
 #include <cmath>
@@ -13,54 +14,91 @@
 #include <vector>
 
 #include "kxcommonr/common/containers/KXBitSet.h"
+#include "kxcommonr/common/packed/KXPackedFactorKernels.h"
+#include "kxcommonr/common/packed/KXPackedLayout.h"
+#include "kxcommonr/common/rectmatrix/KXDenseKernels.h"
 #include "kxcommonr/common/rectmatrix/KXRectMatrix.h"
-#include "kxcommonr/common/symmatrix/KXSymMatrix.h"
 
 namespace KXCommon {
 
 namespace {
 
+using internal::StridedView;
+
 // Default relative tolerance on norms where an operation takes none.
 constexpr double kDefaultRankTolerance = 1e-7;
+
+// The rank-tolerant Cholesky factor of a cross-product matrix.
+struct CrossProductFactor {
+  std::vector<double> factor;           // L, packed
+  std::vector<unsigned char> accepted;  // one flag per row, 1 when accepted
+  int redundant = -1;                   // the number of redundant rows; -1 on failure
+};
+
+// The cross products of a's rows (A A', byRows) or columns (A'A) as a packed
+// triangle, factorised in place. A pivot is redundant when it does not
+// exceed tol^2 times its row's initial diagonal. Fails (redundant -1) when
+// a's data is inconsistent. Throws std::bad_alloc.
+CrossProductFactor FactorCrossProducts(const KXRectMatrix& a, bool byRows, double tol) {
+  CrossProductFactor result;
+  if (!a.HasConsistentData()) return result;
+  const int rows = a.GetNRows();
+  const int cols = a.GetNCols();
+  const int order = byRows ? rows : cols;
+  const double* x = a.GetData().data();
+  // (i, j) = sum over p, in increasing p, of x(i, p) x(j, p) (rows) or
+  // x(p, i) x(p, j) (columns).
+  const StridedView left = byRows ? StridedView{x, cols, 1} : StridedView{x, 1, cols};
+  const StridedView right = byRows ? StridedView{x, 1, cols} : StridedView{x, cols, 1};
+  std::vector<double>& factor = result.factor;
+  factor.assign(KXPacked::Size(order), 0.0);
+  internal::PackedLowerAccumulate(order, byRows ? cols : rows, left, 1.0, right, factor.data());
+  std::vector<double> diagonal(static_cast<std::size_t>(order));
+  for (int i = 0; i < order; ++i) diagonal[static_cast<std::size_t>(i)] = factor[KXPacked::Index(i, i)];
+  result.accepted.assign(static_cast<std::size_t>(order), 0);
+  result.redundant =
+      internal::PackedCholesky(factor.data(), order, diagonal.data(), tol * tol, result.accepted.data());
+  return result;
+}
+
+// Sets the bits of the accepted rows in mask, which is first grown to their
+// count when shorter, else cleared (keeping its size).
+void MarkAccepted(const std::vector<unsigned char>& accepted, KXBitSet& mask) {
+  const int count = static_cast<int>(accepted.size());
+  if (mask.Size() < count)
+    mask.Resize(count, false);
+  else
+    mask.Clear();
+  for (int i = 0; i < count; ++i)
+    if (accepted[static_cast<std::size_t>(i)]) mask.Set(i, true);
+}
 
 // Solves L L' x = rhs in place with the packed factor L of order n; a
 // component whose pivot is 0 (a redundant row) is set to 0, which gives the
 // solution restricted to the accepted rows.
 void SolveWithFactor(const std::vector<double>& factor, int n, double* x) {
   for (int i = 0; i < n; ++i) {
-    const double* row = factor.data() + KXSymMatrixData::PackedIndex(i, 0);
+    const double* row = factor.data() + KXPacked::RowStart(i);
     double s = x[i];
     for (int j = 0; j < i; ++j) s -= row[j] * x[j];
     x[i] = row[i] != 0.0 ? s / row[i] : 0.0;
   }
   for (int i = n - 1; i >= 0; --i) {
     double s = x[i];
-    for (int j = i + 1; j < n; ++j) s -= factor[KXSymMatrixData::PackedIndex(j, i)] * x[j];
-    const double pivot = factor[KXSymMatrixData::PackedIndex(i, i)];
+    for (int j = i + 1; j < n; ++j) s -= factor[KXPacked::Index(j, i)] * x[j];
+    const double pivot = factor[KXPacked::Index(i, i)];
     x[i] = pivot != 0.0 ? s / pivot : 0.0;
   }
-}
-
-// S = A'A factorised in place with the tolerance tol on norms. Returns the
-// number of redundant columns, -1 on failure.
-int FactorCrossProduct(const KXRectMatrix& a, double tol, KXSymMatrix& s, KXBitSet& accepted) {
-  if (!s.ComputeRTransByR(a)) return -1;
-  std::vector<double> diagonal;
-  s.GetDiagonal(diagonal);
-  return s.LTChol(diagonal, tol * tol, accepted, false);
 }
 
 }  // namespace
 
 int KXRectMatrix::FindRedundancies(double tol, KXBitSet& nonRedundant, bool byRows) {
   if (!(tol >= 0.0)) return -1;
-  const double tol2 = tol * tol;
   try {
-    KXSymMatrix s;
-    if (!(byRows ? s.ComputeRByRTrans(*this) : s.ComputeRTransByR(*this))) return -1;
-    std::vector<double> diagonal;
-    s.GetDiagonal(diagonal);
-    return s.LTChol(diagonal, tol2, nonRedundant, false);
+    const CrossProductFactor cross = FactorCrossProducts(*this, byRows, tol);
+    if (cross.redundant >= 0) MarkAccepted(cross.accepted, nonRedundant);
+    return cross.redundant;
   } catch (const std::bad_alloc&) {
     return -1;
   }
@@ -68,11 +106,15 @@ int KXRectMatrix::FindRedundancies(double tol, KXBitSet& nonRedundant, bool byRo
 
 int KXRectMatrix::FindNonRedunIndices(double tol, std::vector<int>& idx, bool byRows) {
   if (!(tol >= 0.0)) return -1;
-  const double tol2 = tol * tol;
   try {
-    KXSymMatrix s;
-    if (!(byRows ? s.ComputeRByRTrans(*this) : s.ComputeRTransByR(*this))) return -1;
-    return s.CholIndNonRed(0, tol2, idx);
+    const CrossProductFactor cross = FactorCrossProducts(*this, byRows, tol);
+    if (cross.redundant < 0) return -1;
+    std::vector<int> kept;
+    kept.reserve(cross.accepted.size());
+    for (std::size_t i = 0; i < cross.accepted.size(); ++i)
+      if (cross.accepted[i]) kept.push_back(static_cast<int>(i));
+    idx.swap(kept);
+    return cross.redundant;
   } catch (const std::bad_alloc&) {
     return -1;
   }
@@ -104,13 +146,12 @@ int KXRectMatrix::CheckAddColRedundancies(const KXBitSet& inModel, KXBitSet& non
       if (!inModel.IsIn(j)) order.push_back(j);
     KXRectMatrix permuted;
     if (ExtractColumns(order, permuted) < 0) return -1;
-    KXSymMatrix s;
-    KXBitSet accepted;
-    if (FactorCrossProduct(permuted, kDefaultRankTolerance, s, accepted) < 0) return -1;
+    const CrossProductFactor cross = FactorCrossProducts(permuted, false, kDefaultRankTolerance);
+    if (cross.redundant < 0) return -1;
     KXBitSet result(nCols);
     int redundantCandidates = 0;
     for (int q = 0; q < nCols; ++q) {
-      if (accepted.IsIn(q)) {
+      if (cross.accepted[static_cast<std::size_t>(q)]) {
         result.Set(order[static_cast<std::size_t>(q)], true);
       } else if (q >= modelCount) {
         ++redundantCandidates;
@@ -139,14 +180,13 @@ bool KXRectMatrix::IsEstimable(const KXRectMatrix& L, const KXBitSet& nonRedunda
     if (nKept > 0) {
       KXRectMatrix keptColumns;
       if (ExtractColumns(kept, keptColumns) < 0) return false;
-      KXSymMatrix s;
-      KXBitSet accepted;
-      if (FactorCrossProduct(keptColumns, 0.0, s, accepted) < 0) return false;
+      const CrossProductFactor cross = FactorCrossProducts(keptColumns, false, 0.0);
+      if (cross.redundant < 0) return false;
       for (std::size_t q = 0; q < redundant.size(); ++q) {
         std::vector<double>& b = coefficients[q];
         b.resize(static_cast<std::size_t>(nKept));
         for (int k = 0; k < nKept; ++k) b[static_cast<std::size_t>(k)] = keptColumns.DotProductColCol(k, *this, redundant[q]);
-        SolveWithFactor(s.GetData(), nKept, b.data());
+        SolveWithFactor(cross.factor, nKept, b.data());
       }
     }
     // l is estimable when, for every redundant r, l_r = l_N . b_r.
@@ -172,15 +212,13 @@ bool KXRectMatrix::IsEstimable(const KXRectMatrix& L, const KXBitSet& nonRedunda
 int KXRectMatrix::EstimateLinearGI(const std::vector<double>& y, std::vector<double>& b, double tol) const {
   if (y.size() != static_cast<std::size_t>(nRows) || !(tol >= 0.0)) return -1;
   try {
-    KXSymMatrix s;
-    KXBitSet accepted;
-    const int redundant = FactorCrossProduct(*this, tol, s, accepted);
-    if (redundant < 0) return -1;
+    const CrossProductFactor cross = FactorCrossProducts(*this, false, tol);
+    if (cross.redundant < 0) return -1;
     std::vector<double> solution;
     if (!ComputeVR(y, solution)) return -1;  // X'y
-    SolveWithFactor(s.GetData(), nCols, solution.data());
+    SolveWithFactor(cross.factor, nCols, solution.data());
     b.swap(solution);
-    return redundant;
+    return cross.redundant;
   } catch (const std::bad_alloc&) {
     return -1;
   }
@@ -190,9 +228,8 @@ bool KXRectMatrix::ResidOfOrthProjection(const KXRectMatrix& B, double tol, KXBi
                                          KXBitSet& residNonZero) {
   if (B.nRows != nRows || !(tol >= 0.0) || !HasConsistentData() || !B.HasConsistentData()) return false;
   try {
-    KXSymMatrix s;
-    KXBitSet accepted;
-    if (FactorCrossProduct(B, tol, s, accepted) < 0) return false;
+    const CrossProductFactor cross = FactorCrossProducts(B, false, tol);
+    if (cross.redundant < 0) return false;
     // Coefficients C = (B'B)^- B'A, column by column, then A - B C.
     KXRectMatrix transposedB(B);
     if (!transposedB.Transpose()) return false;
@@ -201,7 +238,7 @@ bool KXRectMatrix::ResidOfOrthProjection(const KXRectMatrix& B, double tol, KXBi
     std::vector<double> column;
     for (int c = 0; c < nCols; ++c) {
       coefficients.GetCol(c, column);
-      SolveWithFactor(s.GetData(), B.nCols, column.data());
+      SolveWithFactor(cross.factor, B.nCols, column.data());
       for (int k = 0; k < B.nCols; ++k) coefficients.SetElem(k, c, column[static_cast<std::size_t>(k)]);
     }
     KXRectMatrix fitted;
@@ -216,8 +253,10 @@ bool KXRectMatrix::ResidOfOrthProjection(const KXRectMatrix& B, double tol, KXBi
         residual.ZeroOutCol(c);
       }
     }
+    KXBitSet acceptedColumns;
+    MarkAccepted(cross.accepted, acceptedColumns);
     *this = residual;
-    bNonRedundant = accepted;
+    bNonRedundant = acceptedColumns;
     residNonZero = nonZero;
     return true;
   } catch (const std::bad_alloc&) {

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "kxcommonr/common/display/KXComponentDisplay.h"
+#include "kxcommonr/common/packed/KXPackedLayout.h"
 
 namespace KXCommon {
 
@@ -49,8 +50,7 @@ bool KXSymBlockMatrix::SetNRows(int m, int b) {
 }
 
 KXSymMatrix& KXSymBlockMatrix::GetElemSSRef(int I, int J) {
-  return I >= J ? blocks[KXSymMatrixData::PackedIndex(I, J)]
-                : blocks[KXSymMatrixData::PackedIndex(J, I)];
+  return blocks[KXPacked::SymIndex(I, J)];
 }
 
 void KXSymBlockMatrix::Clear() {

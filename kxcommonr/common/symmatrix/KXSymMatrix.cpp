@@ -9,8 +9,6 @@
 #include <algorithm>
 #include <cfloat>
 #include <cstdint>
-#include <cstdio>
-#include <string>
 
 #include "kxcommonr/common/containers/KXBitSet.h"
 #include "kxcommonr/common/display/KXComponentDisplay.h"
@@ -228,9 +226,7 @@ void KXSymMatrix::DisplayF() const {
   std::vector<double> row;
   for (int i = 0; i < nRows; ++i) {
     if (!GetRow(i, row)) break;
-    char number[16];
-    std::snprintf(number, sizeof number, "%d", i);
-    DisplayDA(std::string("row ") + number + ": ", row.data(), nRows, false);
+    DisplayRowDA("row ", i, row.data(), nRows);
   }
   DisplayText(1, "KXSymMatrix display end");
 }

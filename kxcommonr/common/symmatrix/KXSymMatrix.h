@@ -7,8 +7,11 @@
 // determinants and solves, weighted cross-product updates one case at a time,
 // and products and traces with vectors, symmetric and rectangular matrices.
 //
-// Masks are KXBitSet (included here); KXRectMatrix products need
-// kxcommonr/common/rectmatrix/KXRectMatrix.h.
+// Masks are KXBitSet and rectangular operands KXRectMatrix; both headers are
+// included here. The symmetric matrices rest on the rectangular ones (this
+// component depends on rectmatrix, never the other way round), so every
+// member declared here, the products with KXRectMatrix included, is built
+// by this component.
 //
 // Example: weighted cross products of the cases, then a quadratic form.
 //   KXSymMatrix sscp(3);
@@ -32,12 +35,11 @@
 #include <vector>
 
 #include "kxcommonr/common/containers/KXBitSet.h"
+#include "kxcommonr/common/rectmatrix/KXRectMatrix.h"
 #include "kxcommonr/common/symmatrix/KXSymMatrixData.h"
 #include "kxcommonr/config.h"
 
 namespace KXCommon {
-
-class KXRectMatrix;
 
 class KXCOMMONR_API KXSymMatrix : public KXSymMatrixData {
  public:

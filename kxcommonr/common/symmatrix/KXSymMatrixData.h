@@ -1,11 +1,11 @@
 // kxcommonr/common/symmatrix/KXSymMatrixData.h
 //
 // KXSymMatrixData: the storage of a real symmetric matrix in packed
-// lower-triangular form. Element (i, j) with j <= i (0-based) lies at packed
-// position i*(i+1)/2 + j; an access to (i, j) with i < j is served from
-// (j, i). Row i of the triangle is contiguous and ends with the diagonal,
-// which lies at i*(i+3)/2. Offsets are computed in 64 bits, so orders beyond
-// 65535 address correctly.
+// lower-triangular form (the layout of KXPackedLayout.h). Element (i, j) with
+// j <= i (0-based) lies at packed position i*(i+1)/2 + j; an access to (i, j)
+// with i < j is served from (j, i). Row i of the triangle is contiguous and
+// ends with the diagonal, which lies at i*(i+3)/2. Offsets are computed in 64
+// bits, so orders beyond 65535 address correctly.
 //
 // The rows may also be divided into nBlocks equal blocks of blockSize rows
 // (always nRows == nBlocks * blockSize); element (bi, bj, i, j) of a blocked
@@ -26,6 +26,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "kxcommonr/common/packed/KXPackedLayout.h"
 #include "kxcommonr/config.h"
 
 namespace KXCommon {
@@ -70,17 +71,12 @@ class KXCOMMONR_API KXSymMatrixData {
   // packed data under "Lower triangular", "KXSymMatrixData display end".
   void Display() const;
 
-  // Packed position of element (i, j) with 0 <= j <= i, in 64 bits.
-  static std::size_t PackedIndex(int i, int j) {
-    return static_cast<std::size_t>(i) * (static_cast<std::size_t>(i) + 1) / 2 +
-           static_cast<std::size_t>(j);
-  }
-  // Number of packed elements of a matrix of order n >= 0, in 64 bits.
-  static std::size_t PackedSize(int n) {
-    return n <= 0 ? 0
-                  : static_cast<std::size_t>(n) *
-                        (static_cast<std::size_t>(n) + 1) / 2;
-  }
+  // Packed position of element (i, j) with 0 <= j <= i, in 64 bits
+  // (KXPacked::Index).
+  static std::size_t PackedIndex(int i, int j) { return KXPacked::Index(i, j); }
+  // Number of packed elements of a matrix of order n (0 for n <= 0), in 64
+  // bits (KXPacked::Size).
+  static std::size_t PackedSize(int n) { return KXPacked::Size(n); }
 
  protected:
   // Resizes data to n(n+1)/2 elements (0 for n <= 0; n below 0 is raised to

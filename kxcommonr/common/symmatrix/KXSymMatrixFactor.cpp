@@ -2,10 +2,10 @@
 //
 // KXSymMatrix factorising family: the sweep operator, the rank-tolerant
 // Cholesky factorisation, determinants, inverses and triangular solves. The
-// loops themselves live in internal/KXPackedFactorKernels.cpp; this file
-// validates arguments, keeps the masks and applies the pivot rules. Solves of
-// possibly singular systems and the checks built on the factorisation are in
-// KXSymMatrixSolve.cpp.
+// loops themselves are the packed component's kernels (KXPackedFactorKernels);
+// this file validates arguments, keeps the masks and applies the pivot rules.
+// Solves of possibly singular systems and the checks built on the
+// factorisation are in KXSymMatrixSolve.cpp.
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
@@ -14,14 +14,13 @@
 
 #include "kxcommonr/common/containers/KXBitSet.h"
 #include "kxcommonr/common/foundation/KXMV.h"
+#include "kxcommonr/common/packed/KXPackedFactorKernels.h"
+#include "kxcommonr/common/packed/KXPackedLayout.h"
 #include "kxcommonr/common/symmatrix/KXSymMatrix.h"
-#include "kxcommonr/common/symmatrix/internal/KXPackedFactorKernels.h"
 
 namespace KXCommon {
 
 namespace {
-
-using internal::PackedAt;
 
 // Solves L y = b forward then L' x = y backward in place on x (which holds b
 // on entry), with L the packed factor a of order n. A component whose pivot
@@ -29,7 +28,7 @@ using internal::PackedAt;
 int SubstituteInPlace(const double* a, int n, double* x) {
   int zeroPivots = 0;
   for (std::int64_t i = 0; i < n; ++i) {
-    const double* row = a + PackedAt(i, 0);
+    const double* row = a + KXPacked::Index(i, 0);
     double s = x[i];
     for (std::int64_t j = 0; j < i; ++j) s = s - row[j] * x[j];
     if (row[i] != 0.0) {
@@ -40,7 +39,7 @@ int SubstituteInPlace(const double* a, int n, double* x) {
     }
   }
   for (std::int64_t i = n - 1; i >= 0; --i) {
-    const double* row = a + PackedAt(i, 0);
+    const double* row = a + KXPacked::Index(i, 0);
     x[i] = row[i] != 0.0 ? x[i] / row[i] : 0.0;
     const double xi = x[i];
     for (std::int64_t j = 0; j < i; ++j) x[j] = x[j] - row[j] * xi;
@@ -79,14 +78,14 @@ bool KXSymMatrix::Sweep(int k, double tol, const std::vector<double>& origDiag,
       if (origDiag[i] < 0.0) return false;
   }
   double* a = data.data();
-  const double d = a[PackedAt(k, k)];
+  const double d = a[KXPacked::Index(k, k)];
   const bool wasSwept = swept.IsIn(k);
   if (!wasSwept) {
     if (!(tol * origDiag[k] < d)) return false;
     for (int j = 0; j < nRows; ++j) {
       if (!swept.IsIn(j)) continue;
-      const double ajk = j < k ? a[PackedAt(k, j)] : a[PackedAt(j, k)];
-      const double ajj = a[PackedAt(j, j)];
+      const double ajk = j < k ? a[KXPacked::Index(k, j)] : a[KXPacked::Index(j, k)];
+      const double ajj = a[KXPacked::Index(j, j)];
       if ((ajj - ajk * ajk / d) * tol * origDiag[j] <= -1.0) return false;
     }
   } else if (d == 0.0 || std::isnan(d)) {
@@ -150,7 +149,7 @@ int KXSymMatrix::LTChol(double tol, double& out, bool check) {
   if (redundant < 0) return redundant;
   for (int i = 0; i < nRows; ++i) {
     if (!accepted.IsIn(i)) continue;
-    const double pivot = data[PackedAt(i, i)];
+    const double pivot = data[KXPacked::Index(i, i)];
     if (KXMV::IsMissing(out) || pivot < out) out = pivot;
   }
   return redundant;
@@ -171,7 +170,7 @@ int KXSymMatrix::CholIndNonRed(int nLead, double tol, std::vector<int>& idx) {
     return -1;
   }
   for (int i = 0; i < m; ++i) {
-    diagonal[i] = data[PackedAt(i, i)];
+    diagonal[i] = data[KXPacked::Index(i, i)];
     if (diagonal[i] < 0.0) return -1;
   }
   // The leading m rows of the packed triangle are its first m(m+1)/2
@@ -195,12 +194,12 @@ int KXSymMatrix::LTDetInverse(double* det, int job) {
   if (wantDet && det == nullptr) return -1;
   int zeroPivots = 0;
   for (int i = 0; i < nRows; ++i)
-    if (data[PackedAt(i, i)] == 0.0) ++zeroPivots;
+    if (data[KXPacked::Index(i, i)] == 0.0) ++zeroPivots;
   if (wantDet) {
     det[0] = 1.0;
     det[1] = 0.0;
     for (int i = 0; i < nRows; ++i) {
-      const double pivot = data[PackedAt(i, i)];
+      const double pivot = data[KXPacked::Index(i, i)];
       // The square is taken in two steps, normalising between them, so a
       // large pivot does not overflow the mantissa.
       det[0] *= pivot;
@@ -256,7 +255,7 @@ int KXSymMatrix::CholInverse(const std::vector<double>& origDiag, double tol,
   const int redundant = out.LTChol(origDiag, tol, true);
   if (redundant < 0) return redundant;
   for (int i = 0; i < out.nRows; ++i) {
-    const double pivot = out.data[PackedAt(i, i)];
+    const double pivot = out.data[KXPacked::Index(i, i)];
     if (i == 0 || pivot < minPivot) minPivot = pivot;
   }
   out.LTInverse();
@@ -280,9 +279,9 @@ bool KXSymMatrix::ZeroOutRedundant(const KXBitSet& nonRedundant) {
   if (!HasConsistentData() || nonRedundant.Size() < nRows) return false;
   for (int i = 0; i < nRows; ++i) {
     if (nonRedundant.IsIn(i)) continue;
-    double* row = data.data() + PackedAt(i, 0);
+    double* row = data.data() + KXPacked::Index(i, 0);
     for (int j = 0; j <= i; ++j) row[j] = 0.0;
-    for (int m = i + 1; m < nRows; ++m) data[PackedAt(m, i)] = 0.0;
+    for (int m = i + 1; m < nRows; ++m) data[KXPacked::Index(m, i)] = 0.0;
   }
   return true;
 }

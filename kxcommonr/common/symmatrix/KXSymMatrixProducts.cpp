@@ -13,6 +13,7 @@
 
 #include "kxcommonr/common/containers/KXBitSet.h"
 #include "kxcommonr/common/foundation/KXMV.h"
+#include "kxcommonr/common/packed/KXPackedLayout.h"
 #include "kxcommonr/common/symmatrix/KXSymMatrix.h"
 #include "kxcommonr/common/symmatrix/internal/KXSymKernels.h"
 
@@ -23,7 +24,7 @@ namespace {
 // Element (i, j) of a consistent packed triangle, either order, no checks.
 inline double At(const std::vector<double>& packed, std::size_t i,
                  std::size_t j) {
-  return i >= j ? packed[i * (i + 1) / 2 + j] : packed[j * (j + 1) / 2 + i];
+  return packed[KXPacked::SymIndex(i, j)];
 }
 
 // Calls visit(i, j, k) for every element (i, j), j < i, below the diagonal
@@ -41,10 +42,10 @@ void ForEachBelowDiagonal(std::size_t n, Visit visit) {
 // v[0], v[inc], ... in index order.
 double FullRowDot(const double* packed, std::size_t n, std::size_t i,
                   const double* v, std::size_t inc) {
-  const double* stored = packed + i * (i + 1) / 2;
+  const double* stored = packed + KXPacked::RowStart(i);
   double sum = 0.0;
   for (std::size_t j = 0; j <= i; ++j) sum += stored[j] * v[j * inc];
-  std::size_t k = i * (i + 1) / 2 + i + i + 1;  // (i+1, i)
+  std::size_t k = KXPacked::Index(i + 1, i);
   for (std::size_t j = i + 1; j < n; ++j) {
     sum += packed[k] * v[j * inc];
     k += j + 1;
@@ -58,24 +59,9 @@ double FullRowsDot(const double* a, std::size_t i, const double* b,
                    std::size_t j, std::size_t n) {
   double sum = 0.0;
   for (std::size_t m = 0; m < n; ++m) {
-    const double aim = i >= m ? a[i * (i + 1) / 2 + m] : a[m * (m + 1) / 2 + i];
-    const double bjm = j >= m ? b[j * (j + 1) / 2 + m] : b[m * (m + 1) / 2 + j];
-    sum += aim * bjm;
+    sum += a[KXPacked::SymIndex(i, m)] * b[KXPacked::SymIndex(j, m)];
   }
   return sum;
-}
-
-// The full square form, row-major.
-std::vector<double> ToSquare(const std::vector<double>& packed, std::size_t n) {
-  std::vector<double> full(n * n);
-  std::size_t k = 0;
-  for (std::size_t i = 0; i < n; ++i) {
-    for (std::size_t j = 0; j <= i; ++j, ++k) {
-      full[i * n + j] = packed[k];
-      full[j * n + i] = packed[k];
-    }
-  }
-  return full;
 }
 
 // v'Sw over strided arrays as a sum of row totals, added in row order.
@@ -88,7 +74,7 @@ double QuadraticForm(const double* packed, std::size_t n, const double* v,
   double sum = 0.0;
   std::size_t i = 0;
   for (; i + 4 <= n; i += 4) {
-    const double* a0 = packed + i * (i + 1) / 2;
+    const double* a0 = packed + KXPacked::RowStart(i);
     const double* a1 = a0 + i + 1;
     const double* a2 = a1 + i + 2;
     const double* a3 = a2 + i + 3;
@@ -117,7 +103,7 @@ double QuadraticForm(const double* packed, std::size_t n, const double* v,
     }
   }
   for (; i < n; ++i) {
-    const double* a = packed + i * (i + 1) / 2;
+    const double* a = packed + KXPacked::RowStart(i);
     double dw = 0.0, dv = 0.0;
     for (std::size_t j = 0; j < i; ++j) {
       dw += a[j] * w[j * incw];
@@ -173,7 +159,7 @@ bool KXSymMatrix::UpdateXXNonRedun(const std::vector<double>& x,
     const double xi = x[i];
     if (xi == 0.0 || !keep.IsIn(static_cast<int>(i))) continue;
     const double c = xi * w;
-    double* stored = data.data() + i * (i + 1) / 2;
+    double* stored = data.data() + KXPacked::RowStart(i);
     for (std::size_t j = 0; j <= i; ++j) {
       if (keep.IsIn(static_cast<int>(j))) stored[j] += c * x[j];
     }
@@ -371,7 +357,7 @@ bool KXSymMatrix::ComputeLV(const std::vector<double>& v,
   std::vector<double> scratch;
   std::vector<double>& result = ResultBuffer(v, out, scratch, n);
   for (std::size_t i = 0; i < n; ++i) {
-    const double* stored = data.data() + i * (i + 1) / 2;
+    const double* stored = data.data() + KXPacked::RowStart(i);
     double sum = 0.0;
     for (std::size_t j = 0; j <= i; ++j) sum += stored[j] * v[j];
     result[i] = sum;
@@ -389,7 +375,7 @@ bool KXSymMatrix::ComputeLTransV(const std::vector<double>& v,
   std::vector<double> scratch;
   std::vector<double>& result = ResultBuffer(v, out, scratch, n);
   for (std::size_t i = 0; i < n; ++i) {
-    const double* stored = data.data() + i * (i + 1) / 2;
+    const double* stored = data.data() + KXPacked::RowStart(i);
     const double vi = v[i];
     for (std::size_t j = 0; j <= i; ++j) result[j] += stored[j] * vi;
   }
@@ -405,8 +391,9 @@ bool KXSymMatrix::ComputeGMG(const std::vector<double>& g,
   const std::size_t n = static_cast<std::size_t>(nRows);
   std::vector<double> gPacked(g);
   gPacked.resize(data.size(), 0.0);  // a short g is padded with zeros
-  const std::vector<double> gFull = ToSquare(gPacked, n);
-  const std::vector<double> sFull = ToSquare(data, n);
+  std::vector<double> gFull(n * n), sFull;
+  KXPacked::ToSquare(gPacked.data(), nRows, gFull.data());
+  ExpandSym(sFull);
   // sg = S G, then out_ij = sum_k G_ik (S G)_kj for j <= i.
   std::vector<double> sg(n * n, 0.0);
   for (std::size_t i = 0; i < n; ++i) {
@@ -438,7 +425,7 @@ bool KXSymMatrix::ComputeLSLTrans(const KXSymMatrix& T,
   // lt = L T with L this lower triangle: (L T)_ik = sum_{m<=i} l_im t_mk.
   std::vector<double> lt(n * n, 0.0);
   for (std::size_t i = 0; i < n; ++i) {
-    const double* stored = data.data() + i * (i + 1) / 2;
+    const double* stored = data.data() + KXPacked::RowStart(i);
     for (std::size_t k = 0; k < n; ++k) {
       double sum = 0.0;
       for (std::size_t m = 0; m <= i; ++m) sum += stored[m] * At(T.data, m, k);
@@ -450,7 +437,7 @@ bool KXSymMatrix::ComputeLSLTrans(const KXSymMatrix& T,
   std::size_t position = 0;
   for (std::size_t i = 0; i < n; ++i) {
     for (std::size_t j = 0; j <= i; ++j) {
-      const double* factorRow = data.data() + j * (j + 1) / 2;
+      const double* factorRow = data.data() + KXPacked::RowStart(j);
       double sum = 0.0;
       for (std::size_t k = 0; k <= j; ++k) sum += lt[i * n + k] * factorRow[k];
       result.data[position++] = sum;
@@ -665,7 +652,9 @@ void KXSymMatrix::ExpandSym(std::vector<double>& full) const {
     full.clear();
     return;
   }
-  full = ToSquare(data, static_cast<std::size_t>(nRows));
+  const std::size_t n = static_cast<std::size_t>(nRows);
+  full.resize(n * n);
+  KXPacked::ToSquare(data.data(), nRows, full.data());
 }
 
 bool KXSymMatrix::ExtractH(int first, int count, KXSymMatrix& out) const {

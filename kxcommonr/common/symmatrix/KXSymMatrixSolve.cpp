@@ -12,18 +12,16 @@
 
 #include "kxcommonr/common/containers/KXBitSet.h"
 #include "kxcommonr/common/foundation/KXMV.h"
+#include "kxcommonr/common/packed/KXPackedLayout.h"
 #include "kxcommonr/common/symmatrix/KXSymMatrix.h"
-#include "kxcommonr/common/symmatrix/internal/KXPackedFactorKernels.h"
 
 namespace KXCommon {
 
 namespace {
 
-using internal::PackedAt;
-
 // Element (i, j) of a packed symmetric triangle, either order.
 inline double SymAt(const std::vector<double>& packed, std::int64_t i, std::int64_t j) {
-  return i >= j ? packed[PackedAt(i, j)] : packed[PackedAt(j, i)];
+  return packed[KXPacked::SymIndex(i, j)];
 }
 
 // Solves the dense m x m system (row-major a, right-hand side x) by Gaussian
@@ -151,19 +149,19 @@ bool KXSymMatrix::SolveIndefiniteGI(double tol, const std::vector<double>& b,
     std::vector<double> a(data);
     std::vector<char> swept(n, 0);
     for (std::size_t k = 0; k < n; ++k) {
-      const double d = a[PackedAt(k, k)];
-      if (!(std::fabs(d) > tol * std::fabs(data[PackedAt(k, k)])) || d == 0.0) continue;
+      const double d = a[KXPacked::Index(k, k)];
+      if (!(std::fabs(d) > tol * std::fabs(data[KXPacked::Index(k, k)])) || d == 0.0) continue;
       std::vector<double> column(n);
       for (std::size_t i = 0; i < n; ++i) column[i] = i == k ? 0.0 : SymAt(a, i, k);
       for (std::size_t i = 0; i < n; ++i) {
         if (i == k) continue;
-        double* row = a.data() + PackedAt(i, 0);
+        double* row = a.data() + KXPacked::Index(i, 0);
         for (std::size_t j = 0; j <= i; ++j)
           if (j != k) row[j] -= column[i] * column[j] / d;
       }
       for (std::size_t i = 0; i < n; ++i)
-        if (i != k) (i > k ? a[PackedAt(i, k)] : a[PackedAt(k, i)]) = column[i] / d;
-      a[PackedAt(k, k)] = -1.0 / d;
+        if (i != k) (i > k ? a[KXPacked::Index(i, k)] : a[KXPacked::Index(k, i)]) = column[i] / d;
+      a[KXPacked::Index(k, k)] = -1.0 / d;
       swept[k] = 1;
     }
     std::vector<double> solution(n, 0.0);
@@ -188,11 +186,11 @@ int KXSymMatrix::TransformToPositiveDefinite(double tol, bool& changed, double& 
     // largest diagonal magnitude when its own is 0.
     double largest = 0.0;
     for (int i = 0; i < nRows; ++i)
-      largest = std::max(largest, std::fabs(data[PackedAt(i, i)]));
+      largest = std::max(largest, std::fabs(data[KXPacked::Index(i, i)]));
     const double scale = largest > 0.0 ? largest : 1.0;
     std::vector<double> origDiag(static_cast<std::size_t>(nRows));
     for (int i = 0; i < nRows; ++i) {
-      const double d = std::fabs(data[PackedAt(i, i)]);
+      const double d = std::fabs(data[KXPacked::Index(i, i)]);
       origDiag[i] = d > 0.0 ? d : scale;
     }
     KXSymMatrix trial(*this);
@@ -211,7 +209,7 @@ int KXSymMatrix::TransformToPositiveDefinite(double tol, bool& changed, double& 
       double offDiagonal = 0.0;
       for (int j = 0; j < nRows; ++j)
         if (j != i) offDiagonal += std::fabs(SymAt(data, i, j));
-      gershgorin = std::max(gershgorin, offDiagonal - data[PackedAt(i, i)] +
+      gershgorin = std::max(gershgorin, offDiagonal - data[KXPacked::Index(i, i)] +
                                             tol * origDiag[static_cast<std::size_t>(i)]);
     }
     if (!std::isfinite(gershgorin)) return -1;
@@ -250,7 +248,7 @@ int KXSymMatrix::CheckMDependent(int row, const std::vector<double>& origDiag,
       subDiag[r] = origDiag[static_cast<std::size_t>(rows[r])];
       if (subDiag[r] < 0.0) return -1;
       for (std::size_t c = 0; c <= r; ++c)
-        sub.data[PackedAt(static_cast<std::int64_t>(r), static_cast<std::int64_t>(c))] =
+        sub.data[KXPacked::Index(static_cast<std::int64_t>(r), static_cast<std::int64_t>(c))] =
             SymAt(data, rows[r], rows[c]);
     }
     KXBitSet accepted;
@@ -267,7 +265,7 @@ bool KXSymMatrix::GetRegCoeffs(std::vector<double>& coeffs, const KXBitSet& swep
   if (swept.IsIn(response)) return false;
   try {
     std::vector<double> result(static_cast<std::size_t>(response), 0.0);
-    const double* row = data.data() + PackedAt(response, 0);
+    const double* row = data.data() + KXPacked::Index(response, 0);
     for (int i = 0; i < response; ++i)
       if (swept.IsIn(i)) result[i] = row[i];
     coeffs.swap(result);

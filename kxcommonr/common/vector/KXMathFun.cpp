@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "kxcommonr/common/foundation/KXMV.h"
+#include "kxcommonr/common/packed/KXPackedLayout.h"
 #include "kxcommonr/common/vector/internal/VectorKernels.h"
 
 namespace KXCommon {
@@ -14,8 +15,8 @@ namespace {
 
 using Index = std::int64_t;
 
-// Offset of row i of a packed lower triangle.
-Index PackedRowStart(Index i) { return i * (i + 1) / 2; }
+// Offset of row i of a packed lower triangle, as a signed index.
+Index PackedRowStart(Index i) { return static_cast<Index>(KXPacked::RowStart(i)); }
 
 // True when the n elements off, off+inc, ... (in either direction) lie in a
 // vector of `size` elements. n >= 1.

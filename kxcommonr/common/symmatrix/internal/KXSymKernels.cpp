@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include "kxcommonr/common/packed/KXPackedLayout.h"
 #include "kxcommonr/common/simd/KXDispatch.h"
 
 namespace KXCommon {
@@ -61,7 +62,7 @@ void PackedSymMatVec(const double* packed, const double* v, double* out,
                      std::size_t n) {
   std::size_t i = 0;
   for (; i + 4 <= n; i += 4) {
-    const double* a0 = packed + i * (i + 1) / 2;
+    const double* a0 = packed + KXPacked::RowStart(i);
     const double* a1 = a0 + i + 1;
     const double* a2 = a1 + i + 2;
     const double* a3 = a2 + i + 3;
@@ -105,7 +106,7 @@ void PackedSymMatVec(const double* packed, const double* v, double* out,
     }
   }
   for (; i < n; ++i) {
-    const double* a = packed + i * (i + 1) / 2;
+    const double* a = packed + KXPacked::RowStart(i);
     double sum = 0.0;
     for (std::size_t j = 0; j <= i; ++j) sum += a[j] * v[j];
     const double vi = v[i];

@@ -1,8 +1,12 @@
-// kxcommonr/common/symmatrix/internal/KXPackedFactorKernels.h
+// kxcommonr/common/packed/KXPackedFactorKernels.h
 //
-// Internal kernels of the factorising operations of KXSymMatrix, working on a
-// raw packed lower triangle (element (i, j), j <= i, at i*(i+1)/2 + j; all
-// offsets in 64 bits). Not installed; public headers never include this.
+// The factorising kernels of the library, working on a raw packed lower
+// triangle (the layout of KXPackedLayout.h; all offsets in 64 bits): the
+// rank-tolerant Cholesky, the sweep, the triangular inverse and the
+// triangular products. KXSymMatrix factorises through them, and the rank
+// tools of KXRectMatrix factor their cross products with them directly.
+// Library-internal: the components above this one may include it, but it is
+// not installed (no *Kernels.h header is) and public headers never include it.
 //
 // Each fast kernel has a plain companion (suffix "Plain") that follows the
 // textbook loop literally. The fast kernels evaluate every output element
@@ -13,11 +17,8 @@
 // results never depend on the machine.
 //
 // Thread rule: pure functions of their arguments.
-#ifndef KXCOMMONR_COMMON_SYMMATRIX_INTERNAL_KXPACKEDFACTORKERNELS_H
-#define KXCOMMONR_COMMON_SYMMATRIX_INTERNAL_KXPACKEDFACTORKERNELS_H
-
-#include <cstddef>
-#include <cstdint>
+#ifndef KXCOMMONR_COMMON_PACKED_KXPACKEDFACTORKERNELS_H
+#define KXCOMMONR_COMMON_PACKED_KXPACKEDFACTORKERNELS_H
 
 // The fast kernels run at ActiveIsa(); tests compare the instruction-set
 // paths with SetKernelLevel. Both come from this header.
@@ -25,12 +26,6 @@
 
 namespace KXCommon {
 namespace internal {
-
-// Packed position of (i, j), j <= i.
-inline std::size_t PackedAt(std::int64_t i, std::int64_t j) {
-  return static_cast<std::size_t>(i) * static_cast<std::size_t>(i + 1) / 2 +
-         static_cast<std::size_t>(j);
-}
 
 // Cholesky factor in place, rank tolerant. Row by row, for j <= i:
 //   s = a_ij - l_i0 l_j0 - l_i1 l_j1 - ... - l_i(j-1) l_j(j-1)
@@ -80,4 +75,4 @@ void PackedLowerLowerTrans(double* a, int n);
 }  // namespace internal
 }  // namespace KXCommon
 
-#endif  // KXCOMMONR_COMMON_SYMMATRIX_INTERNAL_KXPACKEDFACTORKERNELS_H
+#endif  // KXCOMMONR_COMMON_PACKED_KXPACKEDFACTORKERNELS_H

@@ -1,38 +1,25 @@
-// kxcommonr/common/rectmatrix/KXSymMatrixRect.cpp
+// kxcommonr/common/symmatrix/KXSymMatrixRect.cpp
 //
 // The KXSymMatrix members that take a KXRectMatrix: the block cross-product
 // update and the products with rectangular matrices. They run on the blocked
-// kernels of internal/KXDenseKernels, which accumulate every output in
-// increasing order of the summation index (results independent of the
-// vector unit in use).
+// kernels of the rectangular matrices (KXDenseKernels), which accumulate
+// every output in increasing order of the summation index (results
+// independent of the vector unit in use).
 #include <cmath>
 #include <cstddef>
 #include <new>
 #include <stdexcept>
 #include <vector>
 
+#include "kxcommonr/common/packed/KXPackedLayout.h"
+#include "kxcommonr/common/rectmatrix/KXDenseKernels.h"
 #include "kxcommonr/common/rectmatrix/KXRectMatrix.h"
 #include "kxcommonr/common/symmatrix/KXSymMatrix.h"
-#include "kxcommonr/common/rectmatrix/internal/KXDenseKernels.h"
 
 namespace KXCommon {
 
 namespace {
-
 using internal::StridedView;
-
-// The full n x n row-major form of a packed lower triangle.
-void ExpandPacked(const std::vector<double>& packed, int n, std::vector<double>& full) {
-  const std::size_t order = static_cast<std::size_t>(n);
-  full.assign(order * order, 0.0);
-  std::size_t q = 0;
-  for (std::size_t i = 0; i < order; ++i)
-    for (std::size_t j = 0; j <= i; ++j, ++q) {
-      full[i * order + j] = packed[q];
-      full[j * order + i] = packed[q];
-    }
-}
-
 }  // namespace
 
 bool KXSymMatrix::UpdateXXMat2(const KXRectMatrix& r1, const KXRectMatrix& r2, double w) {
@@ -53,7 +40,7 @@ bool KXSymMatrix::ComputeRS(const KXRectMatrix& R, KXRectMatrix& out) const {
   if (n < 0 || R.GetNCols() != n || !HasConsistentData() || !R.HasConsistentData()) return false;
   try {
     std::vector<double> full;
-    ExpandPacked(data, n, full);
+    ExpandSym(full);
     KXRectMatrix result(R.GetNRows(), n);
     if (result.GetNRows() != R.GetNRows() || result.GetNCols() != n) return false;
     internal::GemmAccumulate(R.GetNRows(), n, n, StridedView{R.GetData().data(), n, 1},
@@ -71,7 +58,7 @@ bool KXSymMatrix::ComputeRSRTrans(const KXRectMatrix& R, KXSymMatrix& out) const
   if (n < 0 || R.GetNCols() != n || !HasConsistentData() || !R.HasConsistentData()) return false;
   try {
     std::vector<double> full;
-    ExpandPacked(data, n, full);
+    ExpandSym(full);
     // T = R S (m x n), then (i, j) = sum_p T(i, p) R(j, p).
     std::vector<double> rs(static_cast<std::size_t>(m) * static_cast<std::size_t>(n), 0.0);
     internal::GemmAccumulate(m, n, n, StridedView{R.GetData().data(), n, 1},
@@ -93,7 +80,7 @@ bool KXSymMatrix::ComputeRTransSR(const KXRectMatrix& R, KXSymMatrix& out) const
   if (n < 0 || R.GetNRows() != n || !HasConsistentData() || !R.HasConsistentData()) return false;
   try {
     std::vector<double> full;
-    ExpandPacked(data, n, full);
+    ExpandSym(full);
     // T = S R (n x q), then (i, j) = sum_p R(p, i) T(p, j).
     std::vector<double> sr(static_cast<std::size_t>(n) * static_cast<std::size_t>(q), 0.0);
     internal::GemmAccumulate(n, q, n, StridedView{full.data(), n, 1},
@@ -115,8 +102,8 @@ bool KXSymMatrix::ComputeSS(const KXSymMatrix& T, KXRectMatrix& out) const {
   try {
     std::vector<double> left;
     std::vector<double> right;
-    ExpandPacked(data, n, left);
-    ExpandPacked(T.data, n, right);
+    ExpandSym(left);
+    T.ExpandSym(right);
     KXRectMatrix result(n, n);
     if (result.GetNRows() != n || result.GetNCols() != n) return false;
     internal::GemmAccumulate(n, n, n, StridedView{left.data(), n, 1}, StridedView{right.data(), n, 1},
@@ -167,7 +154,7 @@ bool KXSymMatrix::CopyRowToRColumn(int i, KXRectMatrix& out, int col, int startR
   if (i < 0 || i >= n || col < 0 || col >= out.GetNCols() || startRow < 0 || !HasConsistentData() ||
       static_cast<long long>(startRow) + n > out.GetNRows())
     return false;
-  for (int j = 0; j < n; ++j) out.SetElem(startRow + j, col, j <= i ? data[PackedIndex(i, j)] : data[PackedIndex(j, i)]);
+  for (int j = 0; j < n; ++j) out.SetElem(startRow + j, col, data[KXPacked::SymIndex(i, j)]);
   return true;
 }
 
@@ -176,7 +163,7 @@ bool KXSymMatrix::ExpandSymToRect(KXRectMatrix& out) const {
   if (!HasConsistentData()) return false;
   try {
     std::vector<double> full;
-    ExpandPacked(data, n, full);
+    ExpandSym(full);
     KXRectMatrix result(n, n);
     if (result.GetNRows() != n || result.GetNCols() != n) return false;
     result.AsVector().swap(full);

@@ -1,7 +1,7 @@
 // Tests of the blocked kernels: every code path this processor can run must
 // give the plain loop's result bit for bit, on shapes that cross the tile,
 // slab and block edges, for row-major and transposed views.
-#include "kxcommonr/common/rectmatrix/internal/KXDenseKernels.h"
+#include "kxcommonr/common/rectmatrix/KXDenseKernels.h"
 
 #include <gtest/gtest.h>
 
@@ -9,6 +9,8 @@
 #include <random>
 #include <string>
 #include <vector>
+
+#include "kxcommonr/common/packed/KXPackedLayout.h"
 
 namespace KXCommon {
 namespace internal {
@@ -61,7 +63,7 @@ TEST(KXDenseKernelsTest, EveryPathEqualsThePlainLoop) {
       // without (then a and b are views of one matrix, which the kernels
       // pack once).
       for (const double scale : {0.37, 1.0}) {
-        std::vector<double> packed = Random(static_cast<std::size_t>(n) * (n + 1) / 2, gen);
+        std::vector<double> packed = Random(KXPacked::Size(n), gen);
         std::vector<double> expectPacked(packed);
         const std::vector<double> x = Random(static_cast<std::size_t>(k) * n, gen);
         for (int i = 0; i < n; ++i)
@@ -69,7 +71,7 @@ TEST(KXDenseKernelsTest, EveryPathEqualsThePlainLoop) {
             for (int p = 0; p < k; ++p) {
               const double weighted = x[static_cast<std::size_t>(p) * n + i] * scale;
               const double product = weighted * x[static_cast<std::size_t>(p) * n + j];
-              double& target = expectPacked[static_cast<std::size_t>(i) * (i + 1) / 2 + j];
+              double& target = expectPacked[KXPacked::Index(i, j)];
               target = target + product;
             }
         PackedLowerAccumulate(n, k, StridedView{x.data(), 1, n}, scale, StridedView{x.data(), n, 1},

@@ -1,4 +1,4 @@
-// kxcommonr/common/symmatrix/internal/KXPackedFactorKernels.cpp
+// kxcommonr/common/packed/KXPackedFactorKernels.cpp
 //
 // Packed Cholesky, sweep, triangular inverse and triangular products.
 //
@@ -10,7 +10,7 @@
 // contracting a*b+c into one fused instruction, so the lane width of the
 // instruction set picked at run time (AVX-512, AVX2 or the baseline SSE2)
 // cannot change a result.
-#include "kxcommonr/common/symmatrix/internal/KXPackedFactorKernels.h"
+#include "kxcommonr/common/packed/KXPackedFactorKernels.h"
 
 #include <algorithm>
 #include <cmath>
@@ -18,6 +18,7 @@
 #include <new>
 #include <vector>
 
+#include "kxcommonr/common/packed/KXPackedLayout.h"
 #include "kxcommonr/common/simd/KXDispatch.h"
 
 namespace KXCommon {
@@ -199,7 +200,7 @@ KX_ALWAYS_INLINE int CholeskyBlocked(double* a, int n, const double* origDiag, d
     const std::int64_t ld = n - p0;
     // 1. Copy the panel: panel[m * ld + (i - p0)] = a(i, p0 + m).
     for (std::int64_t i = p0; i < n; ++i) {
-      const double* row = a + PackedAt(i, p0);
+      const double* row = a + KXPacked::Index(i, p0);
       const std::int64_t mEnd = std::min<std::int64_t>(w, i - p0 + 1);
       for (std::int64_t m = 0; m < mEnd; ++m) panel[m * ld + (i - p0)] = row[m];
     }
@@ -222,7 +223,7 @@ KX_ALWAYS_INLINE int CholeskyBlocked(double* a, int n, const double* origDiag, d
     }
     // 3. Write the panel back.
     for (std::int64_t i = p0; i < n; ++i) {
-      double* row = a + PackedAt(i, p0);
+      double* row = a + KXPacked::Index(i, p0);
       const std::int64_t mEnd = std::min<std::int64_t>(w, i - p0 + 1);
       for (std::int64_t m = 0; m < mEnd; ++m) row[m] = panel[m * ld + (i - p0)];
     }
@@ -233,7 +234,7 @@ KX_ALWAYS_INLINE int CholeskyBlocked(double* a, int n, const double* origDiag, d
       const int rows = std::min(R, n - i0);
       // A operand: packedA[m * R + r] = l(i0 + r, p0 + m).
       for (int r = 0; r < rows; ++r) {
-        const double* row = a + PackedAt(i0 + r, p0);
+        const double* row = a + KXPacked::Index(i0 + r, p0);
         for (int m = 0; m < w; ++m) packedA[m * R + r] = row[m];
       }
       double* crow[R];
@@ -241,13 +242,13 @@ KX_ALWAYS_INLINE int CholeskyBlocked(double* a, int n, const double* origDiag, d
       int j0 = p1;
       if (rows == R) {
         for (; j0 + NR - 1 <= i0; j0 += NR) {
-          for (int r = 0; r < R; ++r) crow[r] = a + PackedAt(i0 + r, j0);
+          for (int r = 0; r < R; ++r) crow[r] = a + KXPacked::Index(i0 + r, j0);
           TileKernel<Isa, R, Isa::kVecs, true>(crow, packedA, R, 0, panel + (j0 - p0), ld, 0, w);
         }
       } else {
         for (; j0 + NR - 1 <= i0; j0 += NR) {
           for (int r = 0; r < rows; ++r) {
-            crow[0] = a + PackedAt(i0 + r, j0);
+            crow[0] = a + KXPacked::Index(i0 + r, j0);
             TileKernel<Isa, 1, Isa::kVecs, true>(crow, packedA + r, R, 0, panel + (j0 - p0), ld, 0,
                                      w);
           }
@@ -256,7 +257,7 @@ KX_ALWAYS_INLINE int CholeskyBlocked(double* a, int n, const double* origDiag, d
       // Remaining columns j0 .. i of each row.
       for (int r = 0; r < rows; ++r) {
         const int i = i0 + r;
-        double* c = a + PackedAt(i, j0);
+        double* c = a + KXPacked::Index(i, j0);
         const std::int64_t count = i - j0 + 1;
         for (int m = 0; m < w; ++m)
           Axmy<Isa>(c, panel + static_cast<std::int64_t>(m) * ld + (j0 - p0),
@@ -299,7 +300,7 @@ KX_ALWAYS_INLINE int LowerInverseBlocked(double* a, int n, double* scratch) {
     const int rows = std::min(R, n - i0);
     for (int r = 0; r < rows; ++r) {
       std::fill(sums + r * ldS, sums + r * ldS + i0 + r + 1, 0.0);
-      const double* row = a + PackedAt(i0 + r, 0);
+      const double* row = a + KXPacked::Index(i0 + r, 0);
       for (int m = 0; m < i0; ++m) packedA[static_cast<std::size_t>(m) * R + r] = row[m];
     }
     double* crow[R];
@@ -310,7 +311,7 @@ KX_ALWAYS_INLINE int LowerInverseBlocked(double* a, int n, double* scratch) {
         double* block = diagonalBlocks + static_cast<std::size_t>(blocksBuilt) * NR * NR;
         const int base = blocksBuilt * NR;
         for (int t = 0; t < NR - 1; ++t) {
-          const double* row = a + PackedAt(base + t, base);
+          const double* row = a + KXPacked::Index(base + t, base);
           for (int c = 0; c < NR; ++c) block[t * NR + c] = c <= t ? row[c] : 0.0;
         }
       }
@@ -322,7 +323,7 @@ KX_ALWAYS_INLINE int LowerInverseBlocked(double* a, int n, double* scratch) {
                                       block, NR, 0, NR - 1);
         if (i0 > m1)
           TileKernel<Isa, R, NV, false>(crow, packedA + static_cast<std::size_t>(m1) * R, R,
-                                        0, a + PackedAt(m1, j0), m1 + 1, 1, i0 - m1);
+                                        0, a + KXPacked::Index(m1, j0), m1 + 1, 1, i0 - m1);
       } else {
         for (int r = 0; r < rows; ++r) {
           crow[0] = sums + r * ldS + j0;
@@ -331,13 +332,13 @@ KX_ALWAYS_INLINE int LowerInverseBlocked(double* a, int n, double* scratch) {
           if (i0 > m1)
             TileKernel<Isa, 1, NV, false>(crow,
                                           packedA + static_cast<std::size_t>(m1) * R + r, R,
-                                          0, a + PackedAt(m1, j0), m1 + 1, 1, i0 - m1);
+                                          0, a + KXPacked::Index(m1, j0), m1 + 1, 1, i0 - m1);
         }
       }
     }
     // Columns j0 .. i0-1 left over: rows m = j0 .. i0-1, each over j <= m.
     for (int m = j0; m < i0; ++m) {
-      const double* xm = a + PackedAt(m, j0);
+      const double* xm = a + KXPacked::Index(m, j0);
       for (int r = 0; r < rows; ++r)
         Axpy<Isa>(sums + r * ldS + j0, xm, packedA[static_cast<std::size_t>(m) * R + r],
                   m - j0 + 1);
@@ -345,7 +346,7 @@ KX_ALWAYS_INLINE int LowerInverseBlocked(double* a, int n, double* scratch) {
     // The block's own rows, in order, then the row is finished.
     for (int r = 0; r < rows; ++r) {
       const int i = i0 + r;
-      double* rowI = a + PackedAt(i, 0);
+      double* rowI = a + KXPacked::Index(i, 0);
       const double lii = rowI[i];
       if (lii == 0.0) {
         std::fill(rowI, rowI + i + 1, 0.0);
@@ -353,7 +354,7 @@ KX_ALWAYS_INLINE int LowerInverseBlocked(double* a, int n, double* scratch) {
         continue;
       }
       double* sum = sums + r * ldS;
-      for (int m = i0; m < i; ++m) Axpy<Isa>(sum, a + PackedAt(m, 0), rowI[m], m + 1);
+      for (int m = i0; m < i; ++m) Axpy<Isa>(sum, a + KXPacked::Index(m, 0), rowI[m], m + 1);
       for (int j = 0; j < i; ++j) rowI[j] = -sum[j] / lii;
       rowI[i] = 1.0 / lii;
     }
@@ -383,11 +384,11 @@ KX_ALWAYS_INLINE void LowerTransLowerBlocked(double* a, int n, double* scratch) 
       std::fill(sum, sum + std::min<std::int64_t>(ldS, i0 + R + 2 * NR), 0.0);
       const int i = i0 + r;
       for (int m = i; m < mc; ++m) {
-        const double* rowM = a + PackedAt(m, 0);
+        const double* rowM = a + KXPacked::Index(m, 0);
         Axpy<Isa>(sum, rowM, rowM[i], i + 1);
       }
     }
-    const std::size_t rowMc = PackedAt(mc, 0);
+    const std::size_t rowMc = KXPacked::Index(mc, 0);
     int j0 = 0;
     for (; j0 + NR <= i0 + 1; j0 += NR) {
       if (rows == R) {
@@ -420,7 +421,7 @@ KX_ALWAYS_INLINE void LowerTransLowerBlocked(double* a, int n, double* scratch) 
           }
         }
       }
-      const double* last = a + PackedAt(n - 1, 0);
+      const double* last = a + KXPacked::Index(n - 1, 0);
       for (int r = 0; r < rows; ++r) {
         double* sum = sums + r * ldS;
         const int jEnd = std::min(j0 + L, i0 + r + 1);
@@ -429,7 +430,7 @@ KX_ALWAYS_INLINE void LowerTransLowerBlocked(double* a, int n, double* scratch) 
     }
     for (int r = 0; r < rows; ++r) {
       const int i = i0 + r;
-      std::copy(sums + r * ldS, sums + r * ldS + i + 1, a + PackedAt(i, 0));
+      std::copy(sums + r * ldS, sums + r * ldS + i + 1, a + KXPacked::Index(i, 0));
     }
   }
 }
@@ -484,7 +485,7 @@ constexpr int kSweepChunk = 2048;
 template <class Isa>
 KX_ALWAYS_INLINE void SweepUpdateRow(double* a, int i, int k, int j0, int j1, double c,
                               const double* column) {
-  double* row = a + PackedAt(i, 0);
+  double* row = a + KXPacked::Index(i, 0);
   const int jEnd = std::min(j1, i + 1);
   if (k >= j0 && k < jEnd) {
     Axpy<Isa>(row + j0, column, c, k - j0);
@@ -500,13 +501,13 @@ KX_ALWAYS_INLINE void SweepUpdateRow(double* a, int i, int k, int j0, int j1, do
 // the same operations whatever the order.)
 template <class Isa>
 KX_ALWAYS_INLINE void SweepRowChunked(double* a, int n, int k) {
-  const std::size_t rowK = PackedAt(k, 0);
+  const std::size_t rowK = KXPacked::Index(k, 0);
   const double d = a[rowK + k];
   const double absD = std::fabs(d);
   const bool negate = -1.0 / d < 0.0;
   const bool downwards = (k & 1) != 0;
   double column[kSweepChunk];  // rescaled a_jk for the columns of one chunk
-  auto oldColumnValue = [&](int i) { return i < k ? a[rowK + i] : a[PackedAt(i, k)]; };
+  auto oldColumnValue = [&](int i) { return i < k ? a[rowK + i] : a[KXPacked::Index(i, k)]; };
   if (n <= kSweepChunk) {
     // One chunk: each row's element of column k is rescaled right after the
     // row is updated (nothing later reads its old value).
@@ -518,9 +519,9 @@ KX_ALWAYS_INLINE void SweepRowChunked(double* a, int n, int k) {
     if (downwards) {
       for (int j = k + 1; j < n; ++j) {
 #if defined(KX_X86_DISPATCH)
-        if (j + 16 < n) __builtin_prefetch(a + PackedAt(j + 16, k));
+        if (j + 16 < n) __builtin_prefetch(a + KXPacked::Index(j + 16, k));
 #endif
-        column[j] = a[PackedAt(j, k)] / absD;
+        column[j] = a[KXPacked::Index(j, k)] / absD;
       }
     }
     for (int step = 0; step < n; ++step) {
@@ -529,7 +530,7 @@ KX_ALWAYS_INLINE void SweepRowChunked(double* a, int n, int k) {
       const double old = oldColumnValue(i);
       if (i > k) column[i] = old / absD;
       SweepUpdateRow<Isa>(a, i, k, 0, n, negate ? -old : old, column);
-      if (i > k) a[PackedAt(i, k)] = column[i];
+      if (i > k) a[KXPacked::Index(i, k)] = column[i];
     }
     for (int j = 0; j < k; ++j) a[rowK + j] = column[j];
     a[rowK + k] = -1.0 / d;
@@ -550,7 +551,7 @@ KX_ALWAYS_INLINE void SweepRowChunked(double* a, int n, int k) {
   }
   for (int j = 0; j < k; ++j) a[rowK + j] = a[rowK + j] / absD;
   for (int i = k + 1; i < n; ++i) {
-    double& v = a[PackedAt(i, k)];
+    double& v = a[KXPacked::Index(i, k)];
     v = v / absD;
   }
   a[rowK + k] = -1.0 / d;
@@ -576,9 +577,9 @@ int PackedCholeskyPlain(double* a, int n, const double* origDiag, double tol,
                         unsigned char* accepted) {
   int redundant = 0;
   for (std::int64_t i = 0; i < n; ++i) {
-    double* rowI = a + PackedAt(i, 0);
+    double* rowI = a + KXPacked::Index(i, 0);
     for (std::int64_t j = 0; j <= i; ++j) {
-      const double* rowJ = a + PackedAt(j, 0);
+      const double* rowJ = a + KXPacked::Index(j, 0);
       double s = rowI[j];
       for (std::int64_t m = 0; m < j; ++m) s = s - rowI[m] * rowJ[m];
       if (j < i) {
@@ -622,13 +623,13 @@ int PackedCholesky(double* a, int n, const double* origDiag, double tol,
 }
 
 void PackedSweepRowPlain(double* a, int n, int k) {
-  const std::size_t rowK = PackedAt(k, 0);
+  const std::size_t rowK = KXPacked::Index(k, 0);
   const double d = a[rowK + k];
   const double absD = std::fabs(d);
   const bool negate = -1.0 / d < 0.0;
   // a_jk for j == k is the diagonal: element (i, k) reads as a_ik below.
   auto at = [&](std::int64_t i, std::int64_t j) -> double& {
-    return i >= j ? a[PackedAt(i, j)] : a[PackedAt(j, i)];
+    return a[KXPacked::SymIndex(i, j)];
   };
   for (std::int64_t i = 0; i < n; ++i) {
     if (i == k) {
@@ -638,7 +639,7 @@ void PackedSweepRowPlain(double* a, int n, int k) {
     double& aik = at(i, k);
     const double c = negate ? -aik : aik;
     aik = aik / absD;
-    double* row = a + PackedAt(i, 0);
+    double* row = a + KXPacked::Index(i, 0);
     for (std::int64_t j = 0; j <= i; ++j) {
       if (j == k) continue;
       row[j] = row[j] + c * at(j, k);
@@ -664,7 +665,7 @@ void PackedSweepRow(double* a, int n, int k) {
 int PackedLowerInversePlain(double* a, int n) {
   int zeroRows = 0;
   for (std::int64_t i = 0; i < n; ++i) {
-    double* rowI = a + PackedAt(i, 0);
+    double* rowI = a + KXPacked::Index(i, 0);
     const double lii = rowI[i];
     if (lii == 0.0) {
       for (std::int64_t j = 0; j <= i; ++j) rowI[j] = 0.0;
@@ -673,7 +674,7 @@ int PackedLowerInversePlain(double* a, int n) {
     }
     for (std::int64_t j = 0; j < i; ++j) {
       double s = 0.0;
-      for (std::int64_t m = j; m < i; ++m) s = s + rowI[m] * a[PackedAt(m, j)];
+      for (std::int64_t m = j; m < i; ++m) s = s + rowI[m] * a[KXPacked::Index(m, j)];
       rowI[j] = -s / lii;
     }
     rowI[i] = 1.0 / lii;
@@ -706,8 +707,8 @@ void PackedLowerTransLowerPlain(double* a, int n) {
     for (std::int64_t j = 0; j <= i; ++j) {
       double s = 0.0;
       for (std::int64_t m = i; m < n; ++m)
-        s = s + a[PackedAt(m, i)] * a[PackedAt(m, j)];
-      a[PackedAt(i, j)] = s;
+        s = s + a[KXPacked::Index(m, i)] * a[KXPacked::Index(m, j)];
+      a[KXPacked::Index(i, j)] = s;
     }
   }
 }
@@ -746,14 +747,14 @@ void PackedLowerLowerTrans(double* a, int n) {
   // Four outputs of a row are summed side by side (independent sums, each
   // still in the order m = 0, 1, ..., j).
   for (std::int64_t i = n - 1; i >= 0; --i) {
-    double* rowI = a + PackedAt(i, 0);
+    double* rowI = a + KXPacked::Index(i, 0);
     std::int64_t j = i;
     for (; j >= 3; j -= 4) {
       const std::int64_t j0 = j - 3;
-      const double* r0 = a + PackedAt(j0, 0);
-      const double* r1 = a + PackedAt(j0 + 1, 0);
-      const double* r2 = a + PackedAt(j0 + 2, 0);
-      const double* r3 = a + PackedAt(j0 + 3, 0);
+      const double* r0 = a + KXPacked::Index(j0, 0);
+      const double* r1 = a + KXPacked::Index(j0 + 1, 0);
+      const double* r2 = a + KXPacked::Index(j0 + 2, 0);
+      const double* r3 = a + KXPacked::Index(j0 + 3, 0);
       double s0 = 0.0, s1 = 0.0, s2 = 0.0, s3 = 0.0;
       for (std::int64_t m = 0; m <= j0; ++m) {
         const double x = rowI[m];
@@ -774,7 +775,7 @@ void PackedLowerLowerTrans(double* a, int n) {
       rowI[j0 + 3] = s3;
     }
     for (; j >= 0; --j) {
-      const double* rowJ = a + PackedAt(j, 0);
+      const double* rowJ = a + KXPacked::Index(j, 0);
       double s = 0.0;
       for (std::int64_t m = 0; m <= j; ++m) s = s + rowI[m] * rowJ[m];
       rowI[j] = s;

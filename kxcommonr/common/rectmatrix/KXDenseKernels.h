@@ -1,7 +1,9 @@
-// kxcommonr/common/rectmatrix/internal/KXDenseKernels.h
+// kxcommonr/common/rectmatrix/KXDenseKernels.h
 //
-// Register-blocked matrix-multiply kernels behind the rectangular products
-// and the block cross-product update. Not part of the public interface.
+// Register-blocked matrix-multiply kernels behind the rectangular products,
+// the cross products of the rank tools, and the products and block
+// cross-product update of KXSymMatrix (the symmetric matrices rest on this
+// component). Library-internal: not installed, as no *Kernels.h header is.
 //
 // Every output element is accumulated in increasing order of the summation
 // index, one product at a time (c = c + a * b, never fused), starting from
@@ -13,8 +15,8 @@
 //
 // Thread rule: reentrant. Each thread keeps its own packing buffers, which
 // grow on first use and are then reused (no allocation in steady state).
-#ifndef KXCOMMONR_COMMON_RECTMATRIX_INTERNAL_KXDENSEKERNELS_H
-#define KXCOMMONR_COMMON_RECTMATRIX_INTERNAL_KXDENSEKERNELS_H
+#ifndef KXCOMMONR_COMMON_RECTMATRIX_KXDENSEKERNELS_H
+#define KXCOMMONR_COMMON_RECTMATRIX_KXDENSEKERNELS_H
 
 #include <cstddef>
 
@@ -36,8 +38,8 @@ struct StridedView {
 void GemmAccumulate(int m, int n, int k, StridedView a, StridedView b, double* c,
                     std::ptrdiff_t ldc);
 
-// The lower triangle of a packed symmetric matrix of order n (element
-// (i, j), j <= i, at i(i+1)/2 + j): packed(i, j) += sum_p (a(i, p) * scale) *
+// The lower triangle of a packed symmetric matrix of order n (the layout of
+// KXPackedLayout.h): packed(i, j) += sum_p (a(i, p) * scale) *
 // b(p, j), in increasing p. With scale == 1 the factor changes nothing.
 void PackedLowerAccumulate(int n, int k, StridedView a, double scale, StridedView b,
                            double* packed);
@@ -57,4 +59,4 @@ bool SelectDenseKernelPath(const char* name);
 }  // namespace internal
 }  // namespace KXCommon
 
-#endif  // KXCOMMONR_COMMON_RECTMATRIX_INTERNAL_KXDENSEKERNELS_H
+#endif  // KXCOMMONR_COMMON_RECTMATRIX_KXDENSEKERNELS_H

@@ -1,4 +1,4 @@
-// kxcommonr/common/rectmatrix/internal/KXDenseKernels.cpp
+// kxcommonr/common/rectmatrix/KXDenseKernels.cpp
 //
 // Blocked matrix multiply in the classic three-level layout: a k-slab of b
 // is packed into panels NR columns wide, a block of rows of a into panels MR
@@ -11,12 +11,14 @@
 // multiply and add per element (the build forbids contraction to FMA), so
 // each output sees exactly the scalar loop's operations in the same order.
 // The tile shape follows the vector unit; the results do not.
-#include "kxcommonr/common/rectmatrix/internal/KXDenseKernels.h"
+#include "kxcommonr/common/rectmatrix/KXDenseKernels.h"
 
 #include <cstdint>
 #include <cstring>
 #include <string>
 #include <vector>
+
+#include "kxcommonr/common/packed/KXPackedLayout.h"
 
 // KXCOMMONR_NO_DISPATCH builds the plain scalar path alone (as for a
 // compiler without GNU vector extensions), which also tests it.
@@ -178,7 +180,7 @@ struct OutputRows {
   double* base;
   std::ptrdiff_t ldc;  // 0 selects the packed lower triangle
   double* Row(int i) const {
-    if (ldc == 0) return base + static_cast<std::ptrdiff_t>(i) * (i + 1) / 2;
+    if (ldc == 0) return base + KXPacked::RowStart(i);
     return base + static_cast<std::ptrdiff_t>(i) * ldc;
   }
 };
