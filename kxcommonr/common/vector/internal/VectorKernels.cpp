@@ -9,6 +9,7 @@
 // Only elementwise work and exact maxima are vectorised, so every clone gives
 // the same bits. Other compilers and platforms compile the plain loops.
 #include "kxcommonr/common/simd/KXDispatch.h"
+#include "kxcommonr/common/simd/KXSimd.h"
 
 // The summations stay one accumulator in index order; unrolling only cuts
 // the loop overhead around the chain of dependent additions.
@@ -25,24 +26,12 @@ namespace internal {
 
 namespace {
 
-#if defined(KX_VECTOR_EXT)  // generic vectors: the blocked elementwise loops
-// Eight doubles at any 8-byte aligned address. The compiler lowers the
-// operations to the widest registers of the clone being compiled.
-typedef double Lanes8 __attribute__((vector_size(64), aligned(8), may_alias));
-#define KX_LOAD8(p) (*reinterpret_cast<const Lanes8*>(p))
-#define KX_STORE8(p, v) (*reinterpret_cast<Lanes8*>(p) = (v))
-// Register-aligned vectors of eight doubles and of their bit patterns.
-typedef double Doubles8 __attribute__((vector_size(64)));
-typedef long long Bits8 __attribute__((vector_size(64)));
-
-// Elements to handle one by one before p is aligned to 64 bytes.
-std::ptrdiff_t PeelTo64(const double* p, std::ptrdiff_t n) {
-  const std::uintptr_t misaligned = reinterpret_cast<std::uintptr_t>(p) & 63u;
-  if (misaligned == 0 || (misaligned & 7u) != 0) return 0;
-  const std::ptrdiff_t peel = static_cast<std::ptrdiff_t>((64u - misaligned) / 8u);
-  return peel < n ? peel : n;
-}
-#endif
+using simd::LoadU;
+using simd::StoreU;
+// Vectors of every clone of a KX_TARGET_CLONES function (plain doubles where
+// vector extensions are missing).
+typedef simd::IsaCloned::V Lanes;
+constexpr int kLanes = simd::IsaCloned::kLanes;
 
 // Elements per block of the scaled norm, and the position from which a
 // block is first checked for a new maximum as a whole.
@@ -61,6 +50,8 @@ KX_TARGET_CLONES std::ptrdiff_t FirstAbsMaxUnit(std::ptrdiff_t n, const double* 
 #if defined(KX_VECTOR_EXT)
   if (n >= 64) {
     const long long magnitudeBits = 0x7FFFFFFFFFFFFFFFLL;
+    typedef simd::Vec8 Doubles8;
+    typedef simd::Bits8 Bits8;
     const Bits8 absMask = {magnitudeBits, magnitudeBits, magnitudeBits,
                            magnitudeBits, magnitudeBits, magnitudeBits,
                            magnitudeBits, magnitudeBits};
@@ -76,7 +67,9 @@ KX_TARGET_CLONES std::ptrdiff_t FirstAbsMaxUnit(std::ptrdiff_t n, const double* 
     }
     for (; k + 32 <= n; k += 32) {
       for (int g = 0; g < 4; ++g) {
-        const Bits8 valueBits = (Bits8)(Doubles8)KX_LOAD8(x + k + 8 * g);
+        Doubles8 value;
+        LoadU(value, x + k + 8 * g);
+        const Bits8 valueBits = (Bits8)value;
         const Doubles8 magnitude = (Doubles8)(valueBits & absMask);
         const Bits8 greater = magnitude > laneBest[g];
         laneBest[g] = (Doubles8)(((Bits8)magnitude & greater) |
@@ -223,54 +216,40 @@ bool StartsInside(const double* x, const double* y, std::ptrdiff_t n) {
   return ya > xa && ya - xa < static_cast<std::uintptr_t>(n) * sizeof(double);
 }
 
-#if defined(KX_VECTOR_EXT)
 // True when x[0..n) and y[0..n) share memory without being the same array.
 bool PartlyOverlap(const double* x, const double* y, std::ptrdiff_t n) {
   return x != y && (StartsInside(x, y, n) || StartsInside(y, x, n));
 }
-#endif
 
-
-// Each elementwise kernel: a scalar head until the written array is aligned,
-// blocks of 32 elements (all loads of a block before its stores), a scalar
-// tail. Every element gets exactly the scalar operation, so all paths agree.
-KX_TARGET_CLONES void AxpyUnit(std::ptrdiff_t n, double a, const double* x,
-                                 double* y) {
+// Each elementwise kernel: one(k) on single elements until `aligned` + k
+// lies on a 64-byte boundary, block(k) on kBlock elements from k (all loads
+// of a block before its stores), one(k) on the tail. Every element gets
+// exactly the scalar operation, so all paths agree.
+template <std::ptrdiff_t kBlock, class One, class Block>
+KX_ALWAYS_INLINE void ByBlocks(std::ptrdiff_t n, const double* aligned, One one, Block block) {
   std::ptrdiff_t k = 0;
-#if defined(KX_VECTOR_EXT)
+  for (const std::ptrdiff_t head = simd::PeelTo64(aligned, n); k < head; ++k) one(k);
+  for (; k + kBlock <= n; k += kBlock) block(k);
+  for (; k < n; ++k) one(k);
+}
+
+KX_TARGET_CLONES void AxpyUnit(std::ptrdiff_t n, double a, const double* x, double* y) {
+  std::ptrdiff_t k = 0;
   if (!StartsInside(x, y, n)) {
-    for (const std::ptrdiff_t head = PeelTo64(y, n); k < head; ++k) {
-      y[k] += a * x[k];
-    }
-    for (; k + 32 <= n; k += 32) {
-      const Lanes8 x0 = KX_LOAD8(x + k), x1 = KX_LOAD8(x + k + 8);
-      const Lanes8 x2 = KX_LOAD8(x + k + 16), x3 = KX_LOAD8(x + k + 24);
-      const Lanes8 y0 = KX_LOAD8(y + k), y1 = KX_LOAD8(y + k + 8);
-      const Lanes8 y2 = KX_LOAD8(y + k + 16), y3 = KX_LOAD8(y + k + 24);
-      KX_STORE8(y + k, y0 + a * x0);
-      KX_STORE8(y + k + 8, y1 + a * x1);
-      KX_STORE8(y + k + 16, y2 + a * x2);
-      KX_STORE8(y + k + 24, y3 + a * x3);
-    }
+    for (const std::ptrdiff_t head = simd::PeelTo64(y, n); k < head; ++k) y[k] += a * x[k];
+    simd::Axpy<simd::IsaCloned>(y + k, x + k, a, n - k);
+    return;
   }
-#endif
   for (; k < n; ++k) y[k] += a * x[k];
 }
 
 KX_TARGET_CLONES void ScaleUnit(std::ptrdiff_t n, double a, double* x) {
-  std::ptrdiff_t k = 0;
-#if defined(KX_VECTOR_EXT)
-  for (const std::ptrdiff_t head = PeelTo64(x, n); k < head; ++k) x[k] *= a;
-  for (; k + 32 <= n; k += 32) {
-    const Lanes8 x0 = KX_LOAD8(x + k), x1 = KX_LOAD8(x + k + 8);
-    const Lanes8 x2 = KX_LOAD8(x + k + 16), x3 = KX_LOAD8(x + k + 24);
-    KX_STORE8(x + k, x0 * a);
-    KX_STORE8(x + k + 8, x1 * a);
-    KX_STORE8(x + k + 16, x2 * a);
-    KX_STORE8(x + k + 24, x3 * a);
-  }
-#endif
-  for (; k < n; ++k) x[k] *= a;
+  ByBlocks<4 * kLanes>(n, x, [x, a](std::ptrdiff_t k) KX_INLINE_LAMBDA { x[k] *= a; },
+                       [x, a](std::ptrdiff_t k) KX_INLINE_LAMBDA {
+                         Lanes v[4];
+                         for (int g = 0; g < 4; ++g) LoadU(v[g], x + k + g * kLanes);
+                         for (int g = 0; g < 4; ++g) StoreU(x + k + g * kLanes, v[g] * a);
+                       });
 }
 
 void CopyUnit(std::ptrdiff_t n, const double* x, double* y) {
@@ -284,57 +263,51 @@ void CopyUnit(std::ptrdiff_t n, const double* x, double* y) {
 }
 
 KX_TARGET_CLONES void SwapUnit(std::ptrdiff_t n, double* x, double* y) {
-  const auto swapOne = [x, y](std::ptrdiff_t k) {
+  const auto swapOne = [x, y](std::ptrdiff_t k) KX_INLINE_LAMBDA {
     const double held = x[k];
     x[k] = y[k];
     y[k] = held;
   };
-  std::ptrdiff_t k = 0;
-#if defined(KX_VECTOR_EXT)
-  if (!PartlyOverlap(x, y, n)) {
-    for (const std::ptrdiff_t head = PeelTo64(y, n); k < head; ++k) swapOne(k);
-    for (; k + 32 <= n; k += 32) {
-      const Lanes8 x0 = KX_LOAD8(x + k), x1 = KX_LOAD8(x + k + 8);
-      const Lanes8 x2 = KX_LOAD8(x + k + 16), x3 = KX_LOAD8(x + k + 24);
-      const Lanes8 y0 = KX_LOAD8(y + k), y1 = KX_LOAD8(y + k + 8);
-      const Lanes8 y2 = KX_LOAD8(y + k + 16), y3 = KX_LOAD8(y + k + 24);
-      KX_STORE8(x + k, y0);
-      KX_STORE8(x + k + 8, y1);
-      KX_STORE8(x + k + 16, y2);
-      KX_STORE8(x + k + 24, y3);
-      KX_STORE8(y + k, x0);
-      KX_STORE8(y + k + 8, x1);
-      KX_STORE8(y + k + 16, x2);
-      KX_STORE8(y + k + 24, x3);
-    }
+  if (PartlyOverlap(x, y, n)) {
+    for (std::ptrdiff_t k = 0; k < n; ++k) swapOne(k);
+    return;
   }
-#endif
-  for (; k < n; ++k) swapOne(k);
+  ByBlocks<4 * kLanes>(n, y, swapOne, [x, y](std::ptrdiff_t k) KX_INLINE_LAMBDA {
+    Lanes xv[4], yv[4];
+    for (int g = 0; g < 4; ++g) {
+      LoadU(xv[g], x + k + g * kLanes);
+      LoadU(yv[g], y + k + g * kLanes);
+    }
+    for (int g = 0; g < 4; ++g) {
+      StoreU(x + k + g * kLanes, yv[g]);
+      StoreU(y + k + g * kLanes, xv[g]);
+    }
+  });
 }
 
 KX_TARGET_CLONES void RotateUnit(std::ptrdiff_t n, double* x, double* y, double c,
                                  double s) {
-  const auto rotateOne = [x, y, c, s](std::ptrdiff_t k) {
+  const auto rotateOne = [x, y, c, s](std::ptrdiff_t k) KX_INLINE_LAMBDA {
     const double xk = x[k];
     const double yk = y[k];
     x[k] = c * xk + s * yk;
     y[k] = c * yk - s * xk;
   };
-  std::ptrdiff_t k = 0;
-#if defined(KX_VECTOR_EXT)
-  if (!PartlyOverlap(x, y, n)) {
-    for (const std::ptrdiff_t head = PeelTo64(y, n); k < head; ++k) rotateOne(k);
-    for (; k + 16 <= n; k += 16) {
-      const Lanes8 x0 = KX_LOAD8(x + k), x1 = KX_LOAD8(x + k + 8);
-      const Lanes8 y0 = KX_LOAD8(y + k), y1 = KX_LOAD8(y + k + 8);
-      KX_STORE8(x + k, c * x0 + s * y0);
-      KX_STORE8(x + k + 8, c * x1 + s * y1);
-      KX_STORE8(y + k, c * y0 - s * x0);
-      KX_STORE8(y + k + 8, c * y1 - s * x1);
-    }
+  if (PartlyOverlap(x, y, n)) {
+    for (std::ptrdiff_t k = 0; k < n; ++k) rotateOne(k);
+    return;
   }
-#endif
-  for (; k < n; ++k) rotateOne(k);
+  ByBlocks<2 * kLanes>(n, y, rotateOne, [x, y, c, s](std::ptrdiff_t k) KX_INLINE_LAMBDA {
+    Lanes xv[2], yv[2];
+    for (int g = 0; g < 2; ++g) {
+      LoadU(xv[g], x + k + g * kLanes);
+      LoadU(yv[g], y + k + g * kLanes);
+    }
+    for (int g = 0; g < 2; ++g) {
+      StoreU(x + k + g * kLanes, c * xv[g] + s * yv[g]);
+      StoreU(y + k + g * kLanes, c * yv[g] - s * xv[g]);
+    }
+  });
 }
 
 }  // namespace
