@@ -57,9 +57,15 @@ struct IsaShape {
 typedef double Vec8 __attribute__((vector_size(64)));
 typedef double Vec4 __attribute__((vector_size(32)));
 typedef double Vec2 __attribute__((vector_size(16)));
-// Eight 64-bit integer lanes: the bit patterns of a Vec8 and the masks its
-// comparisons give (all ones where true).
+// 64-bit integer lanes: the bit patterns of the vectors above and the
+// masks their comparisons give (all bits set where true).
 typedef long long Bits8 __attribute__((vector_size(64)));
+typedef long long Bits4 __attribute__((vector_size(32)));
+typedef long long Bits2 __attribute__((vector_size(16)));
+template <class V> struct MaskOf;
+template <> struct MaskOf<Vec8> { typedef Bits8 M; };
+template <> struct MaskOf<Vec4> { typedef Bits4 M; };
+template <> struct MaskOf<Vec2> { typedef Bits2 M; };
 
 // The vector of a given number of lanes (1: a plain double).
 template <int Lanes> struct VectorOf { typedef double V; };
@@ -88,6 +94,42 @@ template <class V>
 KX_ALWAYS_INLINE void StoreU(double* p, const V& v) {
   std::memcpy(p, &v, sizeof(V));
 }
+
+#if defined(KX_VECTOR_EXT)
+// out = |v| lane by lane, by clearing the sign bits (a NaN stays a NaN).
+template <class V>
+KX_ALWAYS_INLINE void AbsLanes(V& out, const V& v) {
+  typedef typename MaskOf<V>::M M;
+  const M magnitudeBits = M{} + 0x7FFFFFFFFFFFFFFFLL;
+  out = (V)((M)v & magnitudeBits);
+}
+
+// out = mask ? a : b, lane by lane (a comparison mask: all bits of a lane
+// set or none).
+template <class V>
+KX_ALWAYS_INLINE void SelectLanes(V& out, const typename MaskOf<V>::M& mask, const V& a,
+                                  const V& b) {
+  typedef typename MaskOf<V>::M M;
+  out = (V)(((M)a & mask) | ((M)b & ~mask));
+}
+
+// True when some lane of a comparison mask is set.
+KX_ALWAYS_INLINE bool AnyLane(const Bits2& mask) { return (mask[0] | mask[1]) != 0; }
+KX_ALWAYS_INLINE bool AnyLane(const Bits4& mask) {
+  Bits2 low, high;
+  std::memcpy(&low, &mask, sizeof low);
+  std::memcpy(&high, reinterpret_cast<const char*>(&mask) + sizeof low, sizeof high);
+  low |= high;
+  return AnyLane(low);
+}
+KX_ALWAYS_INLINE bool AnyLane(const Bits8& mask) {
+  Bits4 low, high;
+  std::memcpy(&low, &mask, sizeof low);
+  std::memcpy(&high, reinterpret_cast<const char*>(&mask) + sizeof low, sizeof high);
+  low |= high;
+  return AnyLane(low);
+}
+#endif
 
 // How many leading elements of p to handle one by one so that the rest
 // starts on a 64-byte (cache line) boundary, at most n; 0 when p is on one
