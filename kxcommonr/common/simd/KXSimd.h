@@ -113,22 +113,20 @@ KX_ALWAYS_INLINE void SelectLanes(V& out, const typename MaskOf<V>::M& mask, con
   out = (V)(((M)a & mask) | ((M)b & ~mask));
 }
 
-// True when some lane of a comparison mask is set.
+// True when some lane of a comparison mask is set: the halves are or-ed
+// together until two lanes remain.
 KX_ALWAYS_INLINE bool AnyLane(const Bits2& mask) { return (mask[0] | mask[1]) != 0; }
-KX_ALWAYS_INLINE bool AnyLane(const Bits4& mask) {
-  Bits2 low, high;
+KX_ALWAYS_INLINE bool AnyLane(const Bits4& mask);
+template <class Half, class M>
+KX_ALWAYS_INLINE bool AnyLaneOfHalves(const M& mask) {
+  Half low, high;
   std::memcpy(&low, &mask, sizeof low);
   std::memcpy(&high, reinterpret_cast<const char*>(&mask) + sizeof low, sizeof high);
   low |= high;
   return AnyLane(low);
 }
-KX_ALWAYS_INLINE bool AnyLane(const Bits8& mask) {
-  Bits4 low, high;
-  std::memcpy(&low, &mask, sizeof low);
-  std::memcpy(&high, reinterpret_cast<const char*>(&mask) + sizeof low, sizeof high);
-  low |= high;
-  return AnyLane(low);
-}
+KX_ALWAYS_INLINE bool AnyLane(const Bits4& mask) { return AnyLaneOfHalves<Bits2>(mask); }
+KX_ALWAYS_INLINE bool AnyLane(const Bits8& mask) { return AnyLaneOfHalves<Bits4>(mask); }
 #endif
 
 // How many leading elements of p to handle one by one so that the rest
