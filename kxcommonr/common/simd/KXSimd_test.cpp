@@ -53,104 +53,77 @@ TEST(KXDispatchTest, LevelFollowsTheCapAndTheProcessor) {
 #endif
 }
 
-// One call of a shared kernel: a row update (tileRows == 0) or a tile.
-struct Job {
-  bool subtract;
-  int tileRows;  // 0, 1 or the shape's kRows
-  double* const* c;
-  const double *x, *b;
-  double* y;
-  double scalar;
-  std::int64_t count, aStride, bStride, grow;
-};
-
-// The kernels compiled for one instruction set (called directly, so that
-// they are inlined into the function of that target).
-#define KX_TILE(rows, subtract)                                                              \
-  simd::TileKernel<Isa, rows, Isa::kVecs, subtract>(j.c, j.x, j.aStride, j.grow, j.b, j.bStride, \
-                                                    j.grow, j.count)
-#define KX_SIMD_TEST_PATH(Name, IsaShape, Target)                                \
-  Target void Name(const Job& j) {                                              \
-    typedef IsaShape Isa;                                                       \
-    if (j.tileRows == 0 && j.subtract) simd::Axmy<Isa>(j.y, j.x, j.scalar, j.count); \
-    if (j.tileRows == 0 && !j.subtract) simd::Axpy<Isa>(j.y, j.x, j.scalar, j.count); \
-    if (j.tileRows == 1 && j.subtract) KX_TILE(1, true);                        \
-    if (j.tileRows == 1 && !j.subtract) KX_TILE(1, false);                      \
-    if (j.tileRows > 1 && j.subtract) KX_TILE(Isa::kRows, true);                \
-    if (j.tileRows > 1 && !j.subtract) KX_TILE(Isa::kRows, false);              \
-  }
-#if defined(KX_X86_DISPATCH)
-KX_SIMD_TEST_PATH(RunAvx512, simd::IsaAvx512, KX_TARGET("avx512f"))
-KX_SIMD_TEST_PATH(RunAvx2, simd::IsaAvx2, KX_TARGET("avx2"))
-#endif
-KX_SIMD_TEST_PATH(RunBase, simd::IsaBase, )
-KX_SIMD_TEST_PATH(RunCloned, simd::IsaCloned, )
-
-struct Path {
-  const char* name;
-  int level, rows, width;  // the processor level it needs; its tile
-  void (*run)(const Job&);
-};
-#define KX_PATH_ROW(Name, Isa, level) {#Name, level, Isa::kRows, Isa::kVecs * Isa::kLanes, Name}
-const Path kPaths[] = {
-#if defined(KX_X86_DISPATCH)
-    KX_PATH_ROW(RunAvx512, simd::IsaAvx512, 2), KX_PATH_ROW(RunAvx2, simd::IsaAvx2, 1),
-#endif
-    KX_PATH_ROW(RunBase, simd::IsaBase, 0), KX_PATH_ROW(RunCloned, simd::IsaCloned, 0)};
-
-// Row updates at counts past two vectors, misaligned, on separate arrays
-// and on one array with y before x (the forward walk reads each x before y
-// overwrites it); tiles with fixed and growing strides, full and one row,
-// against c[r][q] -/+= a_t[r] * b_t[q] one t at a time. Nothing else changes.
-TEST(KXSimdTest, KernelsEqualThePlainLoopsOnEveryPath) {
+// The kernels of one shape against the plain loops. Row updates at counts
+// past two vectors, misaligned, on separate arrays and on one array with y
+// before x (the forward walk reads each x before y overwrites it); tiles
+// with fixed and growing strides, full and one row, against
+// c[r][q] -/+= a_t[r] * b_t[q] one t at a time. Nothing else may change.
+// Inlined into a function of the shape's instruction set, which compiles
+// the kernels for it.
+template <class Isa>
+KX_ALWAYS_INLINE void CheckKernels(const char* name) {
   std::mt19937_64 rng(21);
   const auto random = [&rng](std::size_t n) { return kxtesting::WideRandomVector(n, rng); };
-  int paths = 0;
-  for (const Path& path : kPaths) {
-    if (path.level > static_cast<int>(MachineIsa())) continue;
-    ++paths;
-    for (const bool subtract : {false, true}) {
-      const auto update = [subtract](double& y, double p) { y = subtract ? y - p : y + p; };
-      for (std::int64_t count = 0; count <= 40; count += count < 20 ? 1 : 7) {
-        for (const std::int64_t gap : {-1, 2, 9}) {  // x = y + gap; -1: another array
-          const std::int64_t at = 1 + count % 3;
-          Vec memory = random(120), expected = memory;
-          const Vec other = random(120);
-          for (std::int64_t j = 0; j < count; ++j) {
-            update(expected[at + j], 0.37 * (gap < 0 ? other[2 * at + j] : expected[at + gap + j]));
-          }
-          const double* x = gap < 0 ? other.data() + 2 * at : memory.data() + at + gap;
-          path.run({subtract, 0, nullptr, x, nullptr, memory.data() + at, 0.37, count, 0, 0, 0});
-          EXPECT_EQ(memory, expected) << path.name << " count " << count << " gap " << gap;
+  constexpr int kWidth = Isa::kVecs * Isa::kLanes;
+  for (const bool subtract : {false, true}) {
+    const auto update = [subtract](double& y, double p) { y = subtract ? y - p : y + p; };
+    for (std::int64_t count = 0; count <= 40; count += count < 20 ? 1 : 7) {
+      for (const std::int64_t gap : {-1, 2, 9}) {  // x = y + gap; -1: another array
+        const std::int64_t at = 1 + count % 3;
+        Vec memory = random(120), expected = memory;
+        const Vec other = random(120);
+        for (std::int64_t j = 0; j < count; ++j) {
+          update(expected[at + j], 0.37 * (gap < 0 ? other[2 * at + j] : expected[at + gap + j]));
         }
+        const double* x = gap < 0 ? other.data() + 2 * at : memory.data() + at + gap;
+        if (subtract) simd::Axmy<Isa>(memory.data() + at, x, 0.37, count);
+        if (!subtract) simd::Axpy<Isa>(memory.data() + at, x, 0.37, count);
+        EXPECT_EQ(memory, expected) << name << " count " << count << " gap " << gap;
       }
-      for (const int rows : {1, path.rows}) {
-        for (const std::int64_t count : {0, 1, 7, 30}) {
-          for (const std::int64_t grow : {0, 1}) {
-            const std::int64_t aStride = rows + 3, bStride = path.width + 2, ld = path.width + 5;
-            const Vec a = random(2000), b = random(2000);
-            Vec c = random(static_cast<std::size_t>(rows * ld)), expected = c;
-            std::vector<double*> cRows;
-            for (int r = 0; r < rows; ++r) cRows.push_back(c.data() + r * ld);
-            for (std::int64_t t = 0, aAt = 0, bAt = 0; t < count; ++t) {
-              for (int r = 0; r < rows; ++r) {
-                for (int q = 0; q < path.width; ++q) {
-                  update(expected[r * ld + q], a[aAt + r] * b[bAt + q]);
-                }
+    }
+    for (const int rows : {1, Isa::kRows}) {
+      for (const std::int64_t count : {0, 1, 7, 30}) {
+        for (const std::int64_t grow : {0, 1}) {
+          const std::int64_t as = rows + 3, bs = kWidth + 2, ld = kWidth + 5;  // strides
+          const Vec a = random(2000), b = random(2000);
+          Vec c = random(static_cast<std::size_t>(rows * ld)), expected = c;
+          double* cRows[Isa::kRows];
+          for (int r = 0; r < rows; ++r) cRows[r] = c.data() + r * ld;
+          for (std::int64_t t = 0, aAt = 0, bAt = 0; t < count; ++t) {
+            for (int r = 0; r < rows; ++r) {
+              for (int q = 0; q < kWidth; ++q) {
+                update(expected[r * ld + q], a[aAt + r] * b[bAt + q]);
               }
-              aAt += aStride + t * grow;
-              bAt += bStride + t * grow;
             }
-            path.run({subtract, rows, cRows.data(), a.data(), b.data(), nullptr, 0, count, aStride,
-                      bStride, grow});
-            EXPECT_EQ(c, expected) << path.name << " rows " << rows << " count " << count
-                                   << " grow " << grow;
+            aAt += as + t * grow;
+            bAt += bs + t * grow;
           }
+          const double *pa = a.data(), *pb = b.data();
+          constexpr int R = Isa::kRows, NV = Isa::kVecs;
+          using simd::TileKernel;
+          if (rows == 1 && subtract) TileKernel<Isa, 1, NV, true>(cRows, pa, as, grow, pb, bs, grow, count);
+          if (rows == 1 && !subtract) TileKernel<Isa, 1, NV, false>(cRows, pa, as, grow, pb, bs, grow, count);
+          if (rows > 1 && subtract) TileKernel<Isa, R, NV, true>(cRows, pa, as, grow, pb, bs, grow, count);
+          if (rows > 1 && !subtract) TileKernel<Isa, R, NV, false>(cRows, pa, as, grow, pb, bs, grow, count);
+          EXPECT_EQ(c, expected) << name << " rows " << rows << " count " << count << " grow " << grow;
         }
       }
     }
   }
-  EXPECT_GE(paths, 2);
+}
+
+#if defined(KX_X86_DISPATCH)
+KX_TARGET("avx512f") void CheckAvx512() { CheckKernels<simd::IsaAvx512>("avx512"); }
+KX_TARGET("avx2") void CheckAvx2() { CheckKernels<simd::IsaAvx2>("avx2"); }
+#endif
+
+TEST(KXSimdTest, KernelsEqualThePlainLoopsOnEveryPath) {
+#if defined(KX_X86_DISPATCH)
+  if (MachineIsa() >= IsaLevel::kAvx512) CheckAvx512();
+  if (MachineIsa() >= IsaLevel::kAvx2) CheckAvx2();
+#endif
+  CheckKernels<simd::IsaBase>("baseline");
+  CheckKernels<simd::IsaCloned>("eight lanes at the baseline");
 }
 
 TEST(KXSimdTest, PeelReachesTheNextCacheLine) {
