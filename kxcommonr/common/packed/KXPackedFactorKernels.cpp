@@ -14,153 +14,28 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <new>
 #include <vector>
 
 #include "kxcommonr/common/packed/KXPackedLayout.h"
 #include "kxcommonr/common/simd/KXDispatch.h"
+#include "kxcommonr/common/simd/KXSimd.h"
 
 namespace KXCommon {
 namespace internal {
 
 namespace {
 
-// ---------------------------------------------------------------------------
-// Vector types per instruction set. V is the register type (a GCC/clang
-// vector of kLanes doubles, or a plain double where vectors are not
-// available); kRows x kVecs registers form one register tile of the
-// multiply-subtract kernels.
-// ---------------------------------------------------------------------------
-template <class Vector, int Lanes, int Rows, int Vecs>
-struct IsaShape {
-  typedef Vector V;
-  static constexpr int kLanes = Lanes;
-  static constexpr int kRows = Rows;
-  static constexpr int kVecs = Vecs;
-};
+// The vector shapes per instruction set, the row updates
+// y[j] = y[j] +/- c * x[j] (Axpy, Axmy) and the register tile (TileKernel).
 #if defined(KX_X86_DISPATCH)
-typedef double Vec8 __attribute__((vector_size(64)));
-typedef double Vec4 __attribute__((vector_size(32)));
-typedef double Vec2 __attribute__((vector_size(16)));
-typedef IsaShape<Vec8, 8, 8, 2> IsaAvx512;
-typedef IsaShape<Vec4, 4, 6, 2> IsaAvx2;
-typedef IsaShape<Vec2, 2, 4, 2> IsaBase;
-#else
-typedef IsaShape<double, 1, 4, 4> IsaBase;
+using simd::IsaAvx512;
+using simd::IsaAvx2;
 #endif
-
-// Unaligned load and store. (Vectors pass by reference only: passing or
-// returning them by value would tie the ABI to the instruction set.)
-template <class V>
-KX_ALWAYS_INLINE void LoadU(V& v, const double* p) {
-  std::memcpy(&v, p, sizeof(V));
-}
-template <class V>
-KX_ALWAYS_INLINE void StoreU(double* p, const V& v) {
-  std::memcpy(p, &v, sizeof(V));
-}
-
-// y[j] = y[j] + c * x[j], j < count (each element one multiply, one add).
-template <class Isa>
-KX_ALWAYS_INLINE void Axpy(double* y, const double* x, double c, std::int64_t count) {
-  typedef typename Isa::V V;
-  constexpr int L = Isa::kLanes;
-  std::int64_t j = 0;
-  for (; j + 4 * L <= count; j += 4 * L) {
-    V y0, y1, y2, y3, x0, x1, x2, x3;
-    LoadU(y0, y + j);
-    LoadU(y1, y + j + L);
-    LoadU(y2, y + j + 2 * L);
-    LoadU(y3, y + j + 3 * L);
-    LoadU(x0, x + j);
-    LoadU(x1, x + j + L);
-    LoadU(x2, x + j + 2 * L);
-    LoadU(x3, x + j + 3 * L);
-    y0 = y0 + c * x0;
-    y1 = y1 + c * x1;
-    y2 = y2 + c * x2;
-    y3 = y3 + c * x3;
-    StoreU<V>(y + j, y0);
-    StoreU<V>(y + j + L, y1);
-    StoreU<V>(y + j + 2 * L, y2);
-    StoreU<V>(y + j + 3 * L, y3);
-  }
-  for (; j + 2 * L <= count; j += 2 * L) {
-    V y0, y1, x0, x1;
-    LoadU(y0, y + j);
-    LoadU(y1, y + j + L);
-    LoadU(x0, x + j);
-    LoadU(x1, x + j + L);
-    y0 = y0 + c * x0;
-    y1 = y1 + c * x1;
-    StoreU<V>(y + j, y0);
-    StoreU<V>(y + j + L, y1);
-  }
-  for (; j + L <= count; j += L) {
-    V y0, x0;
-    LoadU(y0, y + j);
-    LoadU(x0, x + j);
-    y0 = y0 + c * x0;
-    StoreU<V>(y + j, y0);
-  }
-  for (; j < count; ++j) y[j] = y[j] + c * x[j];
-}
-
-// y[j] = y[j] - c * x[j], j < count.
-template <class Isa>
-KX_ALWAYS_INLINE void Axmy(double* y, const double* x, double c, std::int64_t count) {
-  typedef typename Isa::V V;
-  constexpr int L = Isa::kLanes;
-  std::int64_t j = 0;
-  for (; j + 2 * L <= count; j += 2 * L) {
-    V y0, y1, x0, x1;
-    LoadU(y0, y + j);
-    LoadU(y1, y + j + L);
-    LoadU(x0, x + j);
-    LoadU(x1, x + j + L);
-    y0 = y0 - x0 * c;
-    y1 = y1 - x1 * c;
-    StoreU<V>(y + j, y0);
-    StoreU<V>(y + j + L, y1);
-  }
-  for (; j < count; ++j) y[j] = y[j] - x[j] * c;
-}
-
-// The register tile: for t = 0 .. count-1, with a_t = a + (offset after t
-// strides), b_t likewise,
-//   c[r][q] = c[r][q] -/+ a_t[r] * b_t[q],  r < R, q < NV * kLanes.
-// The strides grow by aGrow / bGrow after each step (0 for a fixed stride,
-// 1 for walking down a packed column, whose stride is the row length).
-template <class Isa, int R, int NV, bool kSubtract>
-KX_ALWAYS_INLINE void TileKernel(double* const* c, const double* a, std::int64_t aStride,
-                          std::int64_t aGrow, const double* b, std::int64_t bStride,
-                          std::int64_t bGrow, std::int64_t count) {
-  typedef typename Isa::V V;
-  constexpr int L = Isa::kLanes;
-  V acc[R][NV];
-  for (int r = 0; r < R; ++r)
-    for (int v = 0; v < NV; ++v) LoadU(acc[r][v], c[r] + v * L);
-  for (std::int64_t t = 0; t < count; ++t) {
-    V bv[NV];
-    for (int v = 0; v < NV; ++v) LoadU(bv[v], b + v * L);
-    for (int r = 0; r < R; ++r) {
-      const double ar = a[r];
-      for (int v = 0; v < NV; ++v) {
-        if (kSubtract)
-          acc[r][v] = acc[r][v] - ar * bv[v];
-        else
-          acc[r][v] = acc[r][v] + ar * bv[v];
-      }
-    }
-    a += aStride;
-    aStride += aGrow;
-    b += bStride;
-    bStride += bGrow;
-  }
-  for (int r = 0; r < R; ++r)
-    for (int v = 0; v < NV; ++v) StoreU<V>(c[r] + v * L, acc[r][v]);
-}
+using simd::IsaBase;
+using simd::Axpy;
+using simd::Axmy;
+using simd::TileKernel;
 
 // ---------------------------------------------------------------------------
 // Cholesky

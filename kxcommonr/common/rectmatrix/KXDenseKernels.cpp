@@ -23,6 +23,7 @@
 // KXCOMMONR_NO_DISPATCH builds the plain scalar path alone (as for a
 // compiler without GNU vector extensions), which also tests it.
 #include "kxcommonr/common/simd/KXDispatch.h"
+#include "kxcommonr/common/simd/KXSimd.h"
 
 namespace KXCommon {
 namespace internal {
@@ -114,65 +115,6 @@ KX_ALWAYS_INLINE void PackB(const StridedView& b, int p0, int kc, int j0, int nc
       for (int j = cols; j < NR; ++j) dst[j] = 0.0;
     }
   }
-}
-
-#if defined(KX_VECTOR_EXT)
-
-typedef double Vec8 __attribute__((vector_size(64), aligned(8)));
-typedef double Vec4 __attribute__((vector_size(32), aligned(8)));
-typedef double Vec2 __attribute__((vector_size(16), aligned(8)));
-
-// MR rows x NV vectors of V. rows[r] points at the NR outputs of tile row r;
-// the packed a panel holds APanel values per p (APanel >= MR: a kernel of
-// fewer rows serves the partial last panel).
-template <int MR, int NV, typename V, int APanel>
-KX_ALWAYS_INLINE void MicroKernel(int kc, const double* ap, const double* bp, double* const* rows) {
-  constexpr int W = static_cast<int>(sizeof(V) / sizeof(double));
-  constexpr int NR = NV * W;
-  V acc[MR][NV];
-#pragma GCC unroll 16
-  for (int r = 0; r < MR; ++r)
-#pragma GCC unroll 4
-    for (int v = 0; v < NV; ++v) std::memcpy(&acc[r][v], rows[r] + v * W, sizeof(V));
-  for (int p = 0; p < kc; ++p) {
-    V bv[NV];
-#pragma GCC unroll 4
-    for (int v = 0; v < NV; ++v) std::memcpy(&bv[v], bp + p * NR + v * W, sizeof(V));
-    const double* ar = ap + p * APanel;
-#pragma GCC unroll 16
-    for (int r = 0; r < MR; ++r) {
-      const double ascalar = ar[r];
-#pragma GCC unroll 4
-      for (int v = 0; v < NV; ++v) {
-        const V product = bv[v] * ascalar;
-        acc[r][v] = acc[r][v] + product;
-      }
-    }
-  }
-#pragma GCC unroll 16
-  for (int r = 0; r < MR; ++r)
-#pragma GCC unroll 4
-    for (int v = 0; v < NV; ++v) std::memcpy(rows[r] + v * W, &acc[r][v], sizeof(V));
-}
-
-#endif
-
-// Scalar micro-kernel for compilers without vector extensions.
-template <int MR, int NR, int APanel>
-inline void ScalarMicroKernel(int kc, const double* ap, const double* bp, double* const* rows) {
-  double acc[MR][NR];
-  for (int r = 0; r < MR; ++r)
-    for (int j = 0; j < NR; ++j) acc[r][j] = rows[r][j];
-  for (int p = 0; p < kc; ++p)
-    for (int r = 0; r < MR; ++r) {
-      const double ascalar = ap[p * APanel + r];
-      for (int j = 0; j < NR; ++j) {
-        const double product = ascalar * bp[p * NR + j];
-        acc[r][j] = acc[r][j] + product;
-      }
-    }
-  for (int r = 0; r < MR; ++r)
-    for (int j = 0; j < NR; ++j) rows[r][j] = acc[r][j];
 }
 
 // Output addressing: row i of a row-major matrix, or of a packed triangle.
@@ -303,68 +245,54 @@ struct MultiplyArgs {
   bool lower;
 };
 
-#if defined(KX_VECTOR_EXT)
-template <int MR, int NV, typename V>
-struct VectorKernel {
-  static constexpr int kNR = NV * static_cast<int>(sizeof(V) / sizeof(double));
+// The micro-kernel: R rows (R = MR, MR/2 or MR/4) of an MR x NR tile of
+// NV vectors of the shape Isa, over packed panels of MR values of a and NR
+// values of b per p.
+template <class Isa, int MR, int NV>
+struct TileRunner {
+  static constexpr int kNR = NV * Isa::kLanes;
   template <int R>
   static KX_ALWAYS_INLINE void Run(int kc, const double* ap, const double* bp, double* const* rows) {
-    MicroKernel<R, NV, V, MR>(kc, ap, bp, rows);
+    simd::TileKernel<Isa, R, NV, false>(rows, ap, MR, 0, bp, kNR, 0, kc);
   }
 };
 
-template <int MR, int NV, typename V>
-KX_ALWAYS_INLINE void RunVector(const MultiplyArgs& x) {
-  typedef VectorKernel<MR, NV, V> K;
+template <class Isa, int MR = Isa::kRows, int NV = Isa::kVecs>
+KX_ALWAYS_INLINE void RunShape(const MultiplyArgs& x) {
+  typedef TileRunner<Isa, MR, NV> K;
   if (x.lower && x.n <= kStagedTriangle) {
     StagedTriangle<MR, K::kNR, K>(x.n, x.k, x.a, x.scale, x.scaled, x.b, x.out.base);
   } else {
     BlockedMultiply<MR, K::kNR, K>(x.m, x.n, x.k, x.a, x.scale, x.scaled, x.b, x.out, x.lower, false);
   }
 }
-#else
-template <int MR, int NR>
-struct ScalarKernel {
-  template <int R>
-  static void Run(int kc, const double* ap, const double* bp, double* const* rows) {
-    ScalarMicroKernel<R, NR, MR>(kc, ap, bp, rows);
-  }
-};
-#endif
 
 #if defined(KX_X86_DISPATCH)
-
 KX_TARGET("avx512f") void RunAvx512(const MultiplyArgs& args) {
   // A small triangle wastes less of narrower tiles on its diagonal.
   if (args.lower && args.n < kNarrowTriangle) {
-    RunVector<8, 1, Vec8>(args);
+    RunShape<simd::IsaAvx512, 8, 1>(args);
   } else {
-    RunVector<8, 2, Vec8>(args);
+    RunShape<simd::IsaAvx512>(args);
   }
 }
 
-KX_TARGET("avx2") void RunAvx2(const MultiplyArgs& args) {
-  RunVector<6, 2, Vec4>(args);
-}
+KX_TARGET("avx2") void RunAvx2(const MultiplyArgs& args) { RunShape<simd::IsaAvx2>(args); }
+#endif
 
-void RunBaseline(const MultiplyArgs& args) { RunVector<4, 2, Vec2>(args); }
+void RunBaseline(const MultiplyArgs& args) { RunShape<simd::IsaBase>(args); }
 
 void Run(const MultiplyArgs& args) {
+#if defined(KX_X86_DISPATCH)
   switch (ActiveIsa()) {
     case IsaLevel::kAvx512: RunAvx512(args); break;
     case IsaLevel::kAvx2: RunAvx2(args); break;
     default: RunBaseline(args); break;
   }
-}
-
-#elif defined(KX_VECTOR_EXT)
-void Run(const MultiplyArgs& args) { RunVector<4, 2, Vec2>(args); }
 #else
-void Run(const MultiplyArgs& args) {
-  BlockedMultiply<4, 4, ScalarKernel<4, 4> >(args.m, args.n, args.k, args.a, args.scale, args.scaled,
-                                             args.b, args.out, args.lower, false);
-}
+  RunBaseline(args);
 #endif
+}
 
 }  // namespace
 

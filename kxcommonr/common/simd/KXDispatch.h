@@ -25,6 +25,8 @@
 //   KX_X86_DISPATCH    x86 target attributes and processor detection are used.
 //   KX_ALWAYS_INLINE   inline, forced where the compiler allows it (a kernel
 //                      template must be inlined into each target's function).
+//   KX_INLINE_LAMBDA   the same for a lambda, written after its parameters:
+//                      [=](int k) KX_INLINE_LAMBDA { ... }.
 //   KX_TARGET(isa)     compile one function for the instruction set isa.
 //   KX_TARGET_CLONES   compile a function for AVX-512, AVX2 and the baseline.
 //
@@ -37,6 +39,7 @@
 #if (defined(__GNUC__) || defined(__clang__)) && !defined(KXCOMMONR_NO_DISPATCH)
 #define KX_VECTOR_EXT 1
 #define KX_ALWAYS_INLINE inline __attribute__((always_inline))
+#define KX_INLINE_LAMBDA __attribute__((always_inline))
 #if defined(__x86_64__) || defined(__i386__)
 #define KX_X86_DISPATCH 1
 #define KX_TARGET(isa) __attribute__((target(isa)))
@@ -46,6 +49,7 @@
 #endif
 #else
 #define KX_ALWAYS_INLINE inline
+#define KX_INLINE_LAMBDA
 #endif
 
 #ifndef KX_TARGET

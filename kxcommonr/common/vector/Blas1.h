@@ -8,8 +8,10 @@
 // and moves towards x[0]. The pointers address the first element in memory.
 //
 // Results: DDot and DASum add in index order with one accumulator, and DNrm2
-// keeps the classic scaled sum of squares, so results are bit-identical to the
-// reference routines. The elementwise kernels run vectorised on unit strides,
+// keeps the classic scaled sum of squares (the reference dnrm2 up to LAPACK
+// 3.9; later releases use another algorithm), so results are bit-identical to
+// the classic routines (DNrm2 returns +inf rather than NaN for a vector
+// holding two infinities). The elementwise kernels run vectorised on unit strides,
 // with identical results on every processor.
 //
 // Failures: the kernels validate only the count (and the stride where stated)
@@ -52,8 +54,10 @@ class KXCOMMONR_API Blas1 {
   static double DDot(int n, const double* x, int incx, const double* y,
                      int incy);
   // Euclidean norm by the scaled sum of squares (never overflows or
-  // underflows for representable inputs). 0 when n < 1 or inc < 1; |x[0]|
-  // when n == 1.
+  // underflows for representable inputs), bit for bit the classic
+  // sequential algorithm. 0 when n < 1 or inc < 1; |x[0]| when n == 1. NaN
+  // when an element is NaN; otherwise +inf when an element is infinite
+  // (where the classic algorithm would give NaN for a second infinity).
   static double DNrm2(int n, const double* x, int inc);
   // Plane rotation: x_k' = c x_k + s y_k, y_k' = c y_k - s x_k. Nothing when
   // n < 1. Negative strides supported.

@@ -40,8 +40,9 @@ class KXCOMMONR_API KXMathFun {
                      const std::vector<double>& y, int offy, int incy);
   // Sets n elements to a. Nothing when n < 1, off < 0 or (n-1)*inc + 1 < 1.
   static void DLoad(int n, double a, std::vector<double>& x, int off, int inc);
-  // Euclidean norm by the scaled sum of squares. 0 when n < 1 or
-  // (n-1)*inc + 1 < 1; |x[off]| when n == 1.
+  // Euclidean norm by the scaled sum of squares, the same kernel and bits
+  // as Blas1::DNrm2 (NaN when an element is NaN, else +inf when one is
+  // infinite). 0 when n < 1 or (n-1)*inc + 1 < 1; |x[off]| when n == 1.
   static double DNrm2(int n, const std::vector<double>& x, int off, int inc);
   // x *= a: a == 1 does nothing, a == -1 negates. Nothing when n < 1 or
   // (n-1)*inc + 1 < 1.

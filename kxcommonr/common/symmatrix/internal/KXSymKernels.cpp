@@ -5,6 +5,7 @@
 
 #include "kxcommonr/common/packed/KXPackedLayout.h"
 #include "kxcommonr/common/simd/KXDispatch.h"
+#include "kxcommonr/common/simd/KXSimd.h"
 
 namespace KXCommon {
 namespace internal {
@@ -12,30 +13,20 @@ namespace internal {
 namespace {
 
 // One stored row: y[j] += c * x[j]. Each y[j] is an independent output, so
-// the compiler's vectorisation of this loop cannot change any result. The
-// short scalar tail of each row is deliberate: a masked vector store there
-// would block store forwarding into the next row, which starts right after.
-inline void AddScaledRow(double* __restrict y, const double* __restrict x,
-                         double c, std::size_t count) {
-  for (std::size_t j = 0; j < count; ++j) y[j] += c * x[j];
-}
-
-// The same for a row that may be long. Packed rows start anywhere, so the
-// first elements are done one by one until y reaches a 64-byte boundary:
+// vectorising it cannot change any result. Packed rows start anywhere, so a
+// long row first takes single elements until y reaches a 64-byte boundary:
 // the vector stores then never straddle two cache lines (about 15% faster
-// on rows of a few hundred elements).
-inline void AddScaledLongRow(double* __restrict y, const double* __restrict x,
-                             double c, std::size_t count) {
+// on rows of a few hundred elements). The last few elements go one by one:
+// a masked vector store there would block store forwarding into the next
+// row, which starts right after.
+KX_ALWAYS_INLINE void AddScaledRow(double* y, const double* x, double c, std::size_t count) {
   constexpr std::size_t kAlignFrom = 32;
+  std::size_t head = 0;
   if (count >= kAlignFrom) {
-    const std::size_t misalignment = reinterpret_cast<std::uintptr_t>(y) & 63u;
-    const std::size_t head = ((64u - misalignment) & 63u) / sizeof(double);
-    AddScaledRow(y, x, c, head);
-    y += head;
-    x += head;
-    count -= head;
+    head = static_cast<std::size_t>(simd::PeelTo64(y, static_cast<std::ptrdiff_t>(count)));
+    for (std::size_t j = 0; j < head; ++j) y[j] += c * x[j];
   }
-  AddScaledRow(y, x, c, count);
+  simd::Axpy<simd::IsaCloned>(y + head, x + head, c, static_cast<std::int64_t>(count - head));
 }
 
 }  // namespace
@@ -46,7 +37,7 @@ void PackedRankOneUpdate(double* packed, const double* x, std::size_t n,
   double* row = packed;
   for (std::size_t i = 0; i < n; ++i) {
     const double xi = x[i];
-    if (xi != 0.0) AddScaledLongRow(row, x, xi * w, i + 1);
+    if (xi != 0.0) AddScaledRow(row, x, xi * w, i + 1);
     row += i + 1;
   }
 }

@@ -9,6 +9,7 @@
 // Only elementwise work and exact maxima are vectorised, so every clone gives
 // the same bits. Other compilers and platforms compile the plain loops.
 #include "kxcommonr/common/simd/KXDispatch.h"
+#include "kxcommonr/common/simd/KXSimd.h"
 
 // The summations stay one accumulator in index order; unrolling only cuts
 // the loop overhead around the chain of dependent additions.
@@ -25,29 +26,46 @@ namespace internal {
 
 namespace {
 
-#if defined(KX_VECTOR_EXT)  // generic vectors: the blocked elementwise loops
-// Eight doubles at any 8-byte aligned address. The compiler lowers the
-// operations to the widest registers of the clone being compiled.
-typedef double Lanes8 __attribute__((vector_size(64), aligned(8), may_alias));
-#define KX_LOAD8(p) (*reinterpret_cast<const Lanes8*>(p))
-#define KX_STORE8(p, v) (*reinterpret_cast<Lanes8*>(p) = (v))
-// Register-aligned vectors of eight doubles and of their bit patterns.
-typedef double Doubles8 __attribute__((vector_size(64)));
-typedef long long Bits8 __attribute__((vector_size(64)));
+using simd::LoadU;
+using simd::StoreU;
+// Vectors of every clone of a KX_TARGET_CLONES function (plain doubles where
+// vector extensions are missing).
+typedef simd::IsaCloned::V Lanes;
+constexpr int kLanes = simd::IsaCloned::kLanes;
 
-// Elements to handle one by one before p is aligned to 64 bytes.
-std::ptrdiff_t PeelTo64(const double* p, std::ptrdiff_t n) {
-  const std::uintptr_t misaligned = reinterpret_cast<std::uintptr_t>(p) & 63u;
-  if (misaligned == 0 || (misaligned & 7u) != 0) return 0;
-  const std::ptrdiff_t peel = static_cast<std::ptrdiff_t>((64u - misaligned) / 8u);
-  return peel < n ? peel : n;
-}
-#endif
+// The classic scaled sum of squares: scale is the largest magnitude so far,
+// ssq the sum of the squared magnitudes over scale, and the norm is
+// scale * sqrt(ssq). No element is squared directly, so nothing overflows or
+// underflows for representable inputs.
+struct ScaledSquares {
+  double scale = 0.0;
+  double ssq = 1.0;
 
-// Elements per block of the scaled norm, and the position from which a
-// block is first checked for a new maximum as a whole.
-constexpr std::ptrdiff_t kNormBlock = 64;
-constexpr std::ptrdiff_t kNormCheckFrom = 256;
+  // One element. A zero is skipped; a NaN never raises the scale and makes
+  // ssq NaN.
+  KX_ALWAYS_INLINE void Add(double element) {
+    if (element == 0.0) return;
+    const double magnitude = std::fabs(element);
+    if (magnitude > scale) {
+      const double ratio = scale / magnitude;
+      ssq = 1.0 + ssq * (ratio * ratio);
+      scale = magnitude;
+    } else {
+      const double ratio = magnitude / scale;
+      ssq += ratio * ratio;
+    }
+  }
+
+  // The same, except that once the scale is infinite a further infinity is
+  // skipped (Add would divide it by the scale and make ssq NaN): the norm
+  // of a vector holding an infinity is infinite, unless it holds a NaN.
+  KX_ALWAYS_INLINE void AddChecked(double element) {
+    if (std::isinf(scale) && std::isinf(element)) return;
+    Add(element);
+  }
+
+  double Norm() const { return scale * std::sqrt(ssq); }
+};
 
 // One pass with 32 lanes, each keeping its largest magnitude and the first
 // position where it occurred (strict >, so NaNs never enter). The answer is
@@ -60,10 +78,8 @@ KX_TARGET_CLONES std::ptrdiff_t FirstAbsMaxUnit(std::ptrdiff_t n, const double* 
   std::ptrdiff_t k = 0;
 #if defined(KX_VECTOR_EXT)
   if (n >= 64) {
-    const long long magnitudeBits = 0x7FFFFFFFFFFFFFFFLL;
-    const Bits8 absMask = {magnitudeBits, magnitudeBits, magnitudeBits,
-                           magnitudeBits, magnitudeBits, magnitudeBits,
-                           magnitudeBits, magnitudeBits};
+    typedef simd::Vec8 Doubles8;
+    typedef simd::Bits8 Bits8;
     Doubles8 laneBest[4];
     Bits8 laneWhere[4];
     Bits8 position[4];
@@ -76,11 +92,11 @@ KX_TARGET_CLONES std::ptrdiff_t FirstAbsMaxUnit(std::ptrdiff_t n, const double* 
     }
     for (; k + 32 <= n; k += 32) {
       for (int g = 0; g < 4; ++g) {
-        const Bits8 valueBits = (Bits8)(Doubles8)KX_LOAD8(x + k + 8 * g);
-        const Doubles8 magnitude = (Doubles8)(valueBits & absMask);
+        Doubles8 magnitude;
+        LoadU(magnitude, x + k + 8 * g);
+        simd::AbsLanes(magnitude, magnitude);
         const Bits8 greater = magnitude > laneBest[g];
-        laneBest[g] = (Doubles8)(((Bits8)magnitude & greater) |
-                                 ((Bits8)laneBest[g] & ~greater));
+        simd::SelectLanes(laneBest[g], greater, magnitude, laneBest[g]);
         laneWhere[g] = (position[g] & greater) | (laneWhere[g] & ~greater);
         position[g] += 32;
       }
@@ -111,107 +127,38 @@ KX_TARGET_CLONES std::ptrdiff_t FirstAbsMaxUnit(std::ptrdiff_t n, const double* 
   return bestIndex;
 }
 
-// squares[t] = (|block[t]| / scale)^2 for t < limit, eight side by side
-// (inlined into each clone of the caller, which vectorises it).
-KX_ALWAYS_INLINE void BlockSquares(const double* block, std::ptrdiff_t limit, double scale,
-                                   double* squares) {
-  const std::ptrdiff_t groups = limit / 8;
-  for (std::ptrdiff_t g = 0; g < groups; ++g) {
-    for (int l = 0; l < 8; ++l) {
-      const double ratio = std::fabs(block[8 * g + l]) / scale;
-      squares[8 * g + l] = ratio * ratio;
-    }
-  }
-  for (std::ptrdiff_t t = 8 * groups; t < limit; ++t) {
-    const double ratio = std::fabs(block[t]) / scale;
-    squares[t] = ratio * ratio;
-  }
-}
-
+// Four elements at a time: when none of them exceeds the scale (finite and
+// positive), their terms (|x|/scale)^2 are computed side by side and added
+// to ssq one by one in index order, exactly as Add would; a zero adds
+// exactly 0 to ssq (>= 1 or NaN), as skipping it does, and a NaN gives NaN
+// in both. Four elements that raise the scale take AddChecked one by one:
+// new maxima are rare past the first elements, and small groups keep the
+// one-by-one work (a division each) short. The additions into ssq form one
+// chain in index order, which bounds the speed.
 KX_TARGET_CLONES double ScaledNormUnit(std::ptrdiff_t n, const double* x) {
-  double scale = 0.0;
-  double ssq = 1.0;
+  ScaledSquares sum;
   std::ptrdiff_t k = 0;
-  // One element of the sequential algorithm.
-#define KX_NORM_STEP(value)                     \
-  do {                                          \
-    const double element = (value);             \
-    if (element != 0.0) {                       \
-      const double magnitude = std::fabs(element); \
-      if (magnitude > scale) {                  \
-        const double ratio = scale / magnitude; \
-        ssq = 1.0 + ssq * (ratio * ratio);      \
-        scale = magnitude;                      \
-      } else {                                  \
-        const double ratio = magnitude / scale; \
-        ssq += ratio * ratio;                   \
-      }                                         \
-    }                                           \
-  } while (0)
-  // Until a positive scale exists the divisions below are not defined.
-  for (; k < n && !(scale > 0.0); ++k) KX_NORM_STEP(x[k]);
-  // Then block by block: every term of the block is computed side by side
-  // with the scale in force, (|x|/scale)^2, and the terms are added in index
-  // order. An element that raises the scale takes the sequential step, and
-  // the block's terms are recomputed with the new scale. A zero adds exactly
-  // 0 to ssq (>= 1 or NaN), as skipping it would; a NaN never raises the
-  // scale, in both.
-  double squares[kNormBlock];
-  while (k < n) {
-    const std::ptrdiff_t limit = n - k < kNormBlock ? n - k : kNormBlock;
-    const double* block = x + k;
-    const std::ptrdiff_t groups = limit / 8;
-    // Past the first blocks new maxima are rare: when the block's largest
-    // non-NaN magnitude keeps the scale, its terms are simply added.
-    double blockMax = scale + 1.0;
-    if (k >= kNormCheckFrom) {
-      double lanes[8] = {0.0, 0.0, 0.0, 0.0, 0.0, 0.0, 0.0, 0.0};
-      for (std::ptrdiff_t g = 0; g < groups; ++g) {
-        for (int l = 0; l < 8; ++l) {
-          const double magnitude = std::fabs(block[8 * g + l]);
-          lanes[l] = magnitude > lanes[l] ? magnitude : lanes[l];
-        }
-      }
-      for (std::ptrdiff_t t = 8 * groups; t < limit; ++t) {
-        const double magnitude = std::fabs(block[t]);
-        lanes[0] = magnitude > lanes[0] ? magnitude : lanes[0];
-      }
-      blockMax = lanes[0];
-      for (int l = 1; l < 8; ++l) blockMax = lanes[l] > blockMax ? lanes[l] : blockMax;
-    }
-    if (!(blockMax > scale)) {
-      BlockSquares(block, limit, scale, squares);
-      for (std::ptrdiff_t j = 0; j < limit; ++j) ssq += squares[j];
-      k += limit;
+  for (; k < n && !(sum.scale > 0.0); ++k) sum.Add(x[k]);
+#if defined(KX_VECTOR_EXT)
+  constexpr int kNormGroup = 4;
+  typedef simd::VectorOf<kNormGroup>::V NormGroup;
+  for (; k + kNormGroup <= n && !std::isinf(sum.scale); k += kNormGroup) {
+    NormGroup magnitude;
+    LoadU(magnitude, x + k);
+    simd::AbsLanes(magnitude, magnitude);
+    if (simd::AnyLane(magnitude > sum.scale)) {
+      for (int l = 0; l < kNormGroup; ++l) sum.AddChecked(x[k + l]);
       continue;
     }
-    bool fresh = false;
-    int raised = 0;
-    for (std::ptrdiff_t j = 0; j < limit; ++j) {
-      if (!fresh) {
-        BlockSquares(block, limit, scale, squares);
-        fresh = true;
-      }
-      const double magnitude = std::fabs(block[j]);
-      if (magnitude > scale) {
-        const double ratio = scale / magnitude;
-        ssq = 1.0 + ssq * (ratio * ratio);
-        scale = magnitude;
-        fresh = false;
-        if (++raised == 4) {
-          // Rising data: recomputing the block after every new maximum
-          // would cost more than the plain steps for the rest of it.
-          for (std::ptrdiff_t t = j + 1; t < limit; ++t) KX_NORM_STEP(block[t]);
-          break;
-        }
-      } else {
-        ssq += squares[j];
-      }
-    }
-    k += limit;
+    NormGroup term = magnitude / sum.scale;
+    term = term * term;
+    double ssq = sum.ssq;
+    for (int l = 0; l < kNormGroup; ++l) ssq += term[l];
+    sum.ssq = ssq;
   }
-#undef KX_NORM_STEP
-  return scale * std::sqrt(ssq);
+#endif
+  for (; k < n; ++k) sum.AddChecked(x[k]);
+  return sum.Norm();
 }
 
 // True when y starts strictly inside x[0..n): a forward loop then reads
@@ -223,54 +170,40 @@ bool StartsInside(const double* x, const double* y, std::ptrdiff_t n) {
   return ya > xa && ya - xa < static_cast<std::uintptr_t>(n) * sizeof(double);
 }
 
-#if defined(KX_VECTOR_EXT)
 // True when x[0..n) and y[0..n) share memory without being the same array.
 bool PartlyOverlap(const double* x, const double* y, std::ptrdiff_t n) {
   return x != y && (StartsInside(x, y, n) || StartsInside(y, x, n));
 }
-#endif
 
-
-// Each elementwise kernel: a scalar head until the written array is aligned,
-// blocks of 32 elements (all loads of a block before its stores), a scalar
-// tail. Every element gets exactly the scalar operation, so all paths agree.
-KX_TARGET_CLONES void AxpyUnit(std::ptrdiff_t n, double a, const double* x,
-                                 double* y) {
+// Each elementwise kernel: one(k) on single elements until `aligned` + k
+// lies on a 64-byte boundary, block(k) on kBlock elements from k (all loads
+// of a block before its stores), one(k) on the tail. Every element gets
+// exactly the scalar operation, so all paths agree.
+template <std::ptrdiff_t kBlock, class One, class Block>
+KX_ALWAYS_INLINE void ByBlocks(std::ptrdiff_t n, const double* aligned, One one, Block block) {
   std::ptrdiff_t k = 0;
-#if defined(KX_VECTOR_EXT)
+  for (const std::ptrdiff_t head = simd::PeelTo64(aligned, n); k < head; ++k) one(k);
+  for (; k + kBlock <= n; k += kBlock) block(k);
+  for (; k < n; ++k) one(k);
+}
+
+KX_TARGET_CLONES void AxpyUnit(std::ptrdiff_t n, double a, const double* x, double* y) {
+  std::ptrdiff_t k = 0;
   if (!StartsInside(x, y, n)) {
-    for (const std::ptrdiff_t head = PeelTo64(y, n); k < head; ++k) {
-      y[k] += a * x[k];
-    }
-    for (; k + 32 <= n; k += 32) {
-      const Lanes8 x0 = KX_LOAD8(x + k), x1 = KX_LOAD8(x + k + 8);
-      const Lanes8 x2 = KX_LOAD8(x + k + 16), x3 = KX_LOAD8(x + k + 24);
-      const Lanes8 y0 = KX_LOAD8(y + k), y1 = KX_LOAD8(y + k + 8);
-      const Lanes8 y2 = KX_LOAD8(y + k + 16), y3 = KX_LOAD8(y + k + 24);
-      KX_STORE8(y + k, y0 + a * x0);
-      KX_STORE8(y + k + 8, y1 + a * x1);
-      KX_STORE8(y + k + 16, y2 + a * x2);
-      KX_STORE8(y + k + 24, y3 + a * x3);
-    }
+    for (const std::ptrdiff_t head = simd::PeelTo64(y, n); k < head; ++k) y[k] += a * x[k];
+    simd::Axpy<simd::IsaCloned>(y + k, x + k, a, n - k);
+    return;
   }
-#endif
   for (; k < n; ++k) y[k] += a * x[k];
 }
 
 KX_TARGET_CLONES void ScaleUnit(std::ptrdiff_t n, double a, double* x) {
-  std::ptrdiff_t k = 0;
-#if defined(KX_VECTOR_EXT)
-  for (const std::ptrdiff_t head = PeelTo64(x, n); k < head; ++k) x[k] *= a;
-  for (; k + 32 <= n; k += 32) {
-    const Lanes8 x0 = KX_LOAD8(x + k), x1 = KX_LOAD8(x + k + 8);
-    const Lanes8 x2 = KX_LOAD8(x + k + 16), x3 = KX_LOAD8(x + k + 24);
-    KX_STORE8(x + k, x0 * a);
-    KX_STORE8(x + k + 8, x1 * a);
-    KX_STORE8(x + k + 16, x2 * a);
-    KX_STORE8(x + k + 24, x3 * a);
-  }
-#endif
-  for (; k < n; ++k) x[k] *= a;
+  ByBlocks<4 * kLanes>(n, x, [x, a](std::ptrdiff_t k) KX_INLINE_LAMBDA { x[k] *= a; },
+                       [x, a](std::ptrdiff_t k) KX_INLINE_LAMBDA {
+                         Lanes v[4];
+                         for (int g = 0; g < 4; ++g) LoadU(v[g], x + k + g * kLanes);
+                         for (int g = 0; g < 4; ++g) StoreU(x + k + g * kLanes, v[g] * a);
+                       });
 }
 
 void CopyUnit(std::ptrdiff_t n, const double* x, double* y) {
@@ -284,57 +217,51 @@ void CopyUnit(std::ptrdiff_t n, const double* x, double* y) {
 }
 
 KX_TARGET_CLONES void SwapUnit(std::ptrdiff_t n, double* x, double* y) {
-  const auto swapOne = [x, y](std::ptrdiff_t k) {
+  const auto swapOne = [x, y](std::ptrdiff_t k) KX_INLINE_LAMBDA {
     const double held = x[k];
     x[k] = y[k];
     y[k] = held;
   };
-  std::ptrdiff_t k = 0;
-#if defined(KX_VECTOR_EXT)
-  if (!PartlyOverlap(x, y, n)) {
-    for (const std::ptrdiff_t head = PeelTo64(y, n); k < head; ++k) swapOne(k);
-    for (; k + 32 <= n; k += 32) {
-      const Lanes8 x0 = KX_LOAD8(x + k), x1 = KX_LOAD8(x + k + 8);
-      const Lanes8 x2 = KX_LOAD8(x + k + 16), x3 = KX_LOAD8(x + k + 24);
-      const Lanes8 y0 = KX_LOAD8(y + k), y1 = KX_LOAD8(y + k + 8);
-      const Lanes8 y2 = KX_LOAD8(y + k + 16), y3 = KX_LOAD8(y + k + 24);
-      KX_STORE8(x + k, y0);
-      KX_STORE8(x + k + 8, y1);
-      KX_STORE8(x + k + 16, y2);
-      KX_STORE8(x + k + 24, y3);
-      KX_STORE8(y + k, x0);
-      KX_STORE8(y + k + 8, x1);
-      KX_STORE8(y + k + 16, x2);
-      KX_STORE8(y + k + 24, x3);
-    }
+  if (PartlyOverlap(x, y, n)) {
+    for (std::ptrdiff_t k = 0; k < n; ++k) swapOne(k);
+    return;
   }
-#endif
-  for (; k < n; ++k) swapOne(k);
+  ByBlocks<4 * kLanes>(n, y, swapOne, [x, y](std::ptrdiff_t k) KX_INLINE_LAMBDA {
+    Lanes xv[4], yv[4];
+    for (int g = 0; g < 4; ++g) {
+      LoadU(xv[g], x + k + g * kLanes);
+      LoadU(yv[g], y + k + g * kLanes);
+    }
+    for (int g = 0; g < 4; ++g) {
+      StoreU(x + k + g * kLanes, yv[g]);
+      StoreU(y + k + g * kLanes, xv[g]);
+    }
+  });
 }
 
 KX_TARGET_CLONES void RotateUnit(std::ptrdiff_t n, double* x, double* y, double c,
                                  double s) {
-  const auto rotateOne = [x, y, c, s](std::ptrdiff_t k) {
+  const auto rotateOne = [x, y, c, s](std::ptrdiff_t k) KX_INLINE_LAMBDA {
     const double xk = x[k];
     const double yk = y[k];
     x[k] = c * xk + s * yk;
     y[k] = c * yk - s * xk;
   };
-  std::ptrdiff_t k = 0;
-#if defined(KX_VECTOR_EXT)
-  if (!PartlyOverlap(x, y, n)) {
-    for (const std::ptrdiff_t head = PeelTo64(y, n); k < head; ++k) rotateOne(k);
-    for (; k + 16 <= n; k += 16) {
-      const Lanes8 x0 = KX_LOAD8(x + k), x1 = KX_LOAD8(x + k + 8);
-      const Lanes8 y0 = KX_LOAD8(y + k), y1 = KX_LOAD8(y + k + 8);
-      KX_STORE8(x + k, c * x0 + s * y0);
-      KX_STORE8(x + k + 8, c * x1 + s * y1);
-      KX_STORE8(y + k, c * y0 - s * x0);
-      KX_STORE8(y + k + 8, c * y1 - s * x1);
-    }
+  if (PartlyOverlap(x, y, n)) {
+    for (std::ptrdiff_t k = 0; k < n; ++k) rotateOne(k);
+    return;
   }
-#endif
-  for (; k < n; ++k) rotateOne(k);
+  ByBlocks<2 * kLanes>(n, y, rotateOne, [x, y, c, s](std::ptrdiff_t k) KX_INLINE_LAMBDA {
+    Lanes xv[2], yv[2];
+    for (int g = 0; g < 2; ++g) {
+      LoadU(xv[g], x + k + g * kLanes);
+      LoadU(yv[g], y + k + g * kLanes);
+    }
+    for (int g = 0; g < 2; ++g) {
+      StoreU(x + k + g * kLanes, c * xv[g] + s * yv[g]);
+      StoreU(y + k + g * kLanes, c * yv[g] - s * xv[g]);
+    }
+  });
 }
 
 }  // namespace
@@ -376,22 +303,9 @@ double Dot(std::ptrdiff_t n, const double* x, std::ptrdiff_t incx,
 double ScaledNorm(std::ptrdiff_t n, const double* x, std::ptrdiff_t incx) {
   if (n < 1) return 0.0;
   if (incx == 1) return ScaledNormUnit(n, x);
-  double scale = 0.0;
-  double ssq = 1.0;
-  for (std::ptrdiff_t k = 0; k < n; ++k) {
-    const double element = x[k * incx];
-    if (element == 0.0) continue;
-    const double magnitude = std::fabs(element);
-    if (magnitude > scale) {
-      const double ratio = scale / magnitude;
-      ssq = 1.0 + ssq * (ratio * ratio);
-      scale = magnitude;
-    } else {
-      const double ratio = magnitude / scale;
-      ssq += ratio * ratio;
-    }
-  }
-  return scale * std::sqrt(ssq);
+  ScaledSquares sum;
+  for (std::ptrdiff_t k = 0; k < n; ++k) sum.AddChecked(x[k * incx]);
+  return sum.Norm();
 }
 
 void Axpy(std::ptrdiff_t n, double a, const double* x, std::ptrdiff_t incx,

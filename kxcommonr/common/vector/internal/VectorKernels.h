@@ -28,7 +28,9 @@ double Sum(std::ptrdiff_t n, const double* x, std::ptrdiff_t incx);
 double Dot(std::ptrdiff_t n, const double* x, std::ptrdiff_t incx,
            const double* y, std::ptrdiff_t incy);
 // The scaled Euclidean norm over all n elements (zeros skipped, a NaN counts
-// as non-zero): scale * sqrt(ssq). 0 for n < 1.
+// as non-zero): scale * sqrt(ssq), bit for bit the sequential algorithm,
+// except that an infinity after the scale has become infinite is skipped
+// (so the norm is +inf, or NaN when a NaN is present). 0 for n < 1.
 double ScaledNorm(std::ptrdiff_t n, const double* x, std::ptrdiff_t incx);
 // y_k += a * x_k.
 void Axpy(std::ptrdiff_t n, double a, const double* x, std::ptrdiff_t incx,
