@@ -35,6 +35,8 @@ using simd::IsaAvx2;
 using simd::IsaBase;
 using simd::Axpy;
 using simd::Axmy;
+using simd::LoadU;
+using simd::StoreU;
 using simd::TileKernel;
 
 // ---------------------------------------------------------------------------
@@ -442,6 +444,172 @@ KX_TARGET("avx2") void SweepAvx2(double* a, int n, int k) {
 #endif
 void SweepBase(double* a, int n, int k) { SweepRowChunked<IsaBase>(a, n, k); }
 
+// ---------------------------------------------------------------------------
+// Sweeps of many rows
+// ---------------------------------------------------------------------------
+//
+// One sweep with pivot row k adds c_i * x_j to every element (i, j), j <= i,
+// outside row and column k, where c_i is a_ik before the sweep (negated when
+// d = a_kk > 0) and x_j = a_jk / |d|. A block of sweeps is therefore a
+// sequence of such rank-one terms, which every element outside the block's
+// rows and columns receives in order. The block's own columns (all of rows
+// and columns k_1 .. k_w, the only values the pivot rule and later sweeps of
+// the block read) are swept one by one in scratch; the terms then go to the
+// rest of the triangle in one pass of register tiles; finally the block's
+// columns are written over whatever that pass left in them.
+
+constexpr int kSweepBlock = 16;
+
+// Scratch of the blocked sweeps, in doubles: the block's columns, the
+// multipliers c and the rescaled columns x of its accepted sweeps, the
+// current diagonal, and the A operand of the tiles.
+std::size_t SweepRowsScratchSize(int n, int width) {
+  return 3 * static_cast<std::size_t>(width) * static_cast<std::size_t>(n) +
+         static_cast<std::size_t>(n) + static_cast<std::size_t>(width) * kMaxRows;
+}
+
+// y[i] = y[i] + c[i] * s for i < count (the product in the order of the
+// sweep's own update, c_i * x_j).
+template <class Isa>
+KX_ALWAYS_INLINE void AddTimesScalar(double* y, const double* c, double s, std::int64_t count) {
+  typedef typename Isa::V V;
+  constexpr int L = Isa::kLanes;
+  std::int64_t i = 0;
+  for (; i + L <= count; i += L) {
+    V y0, c0;
+    LoadU(y0, y + i);
+    LoadU(c0, c + i);
+    y0 = y0 + c0 * s;
+    StoreU(y + i, y0);
+  }
+  for (; i < count; ++i) y[i] = y[i] + c[i] * s;
+}
+
+// Adds the terms of `count` sweeps, mult[t * n + i] * scaled[t * n + j] for
+// t = 0, 1, ..., to every element (i, j), j <= i, of the triangle.
+template <class Isa>
+KX_ALWAYS_INLINE void AddSweepTerms(double* a, int n, const double* mult, const double* scaled,
+                                    int count, double* packedA) {
+  constexpr int R = Isa::kRows;
+  constexpr int NR = Isa::kVecs * Isa::kLanes;
+  const std::int64_t ld = n;
+  for (int i0 = 0; i0 < n; i0 += R) {
+    const int rows = std::min(R, n - i0);
+    for (int t = 0; t < count; ++t)
+      for (int r = 0; r < rows; ++r) packedA[t * R + r] = mult[t * ld + i0 + r];
+    double* crow[R];
+    // Full tiles: columns j0 .. j0+NR-1 with j0+NR-1 <= i0.
+    int j0 = 0;
+    if (rows == R) {
+      for (; j0 + NR - 1 <= i0; j0 += NR) {
+        for (int r = 0; r < R; ++r) crow[r] = a + KXPacked::Index(i0 + r, j0);
+        TileKernel<Isa, R, Isa::kVecs, false>(crow, packedA, R, 0, scaled + j0, ld, 0, count);
+      }
+    }
+    // Remaining columns j0 .. i of each row.
+    for (int r = 0; r < rows; ++r) {
+      const int i = i0 + r;
+      double* row = a + KXPacked::Index(i, j0);
+      for (int t = 0; t < count; ++t)
+        Axpy<Isa>(row, scaled + t * ld + j0, packedA[t * R + r], i - j0 + 1);
+    }
+  }
+}
+
+template <class Isa>
+KX_ALWAYS_INLINE int SweepRowsBlocked(double* a, int n, const int* rows, int count,
+                                      SweepPivotRule& rule, int width, double* scratch,
+                                      int* block, unsigned char* inBlock) {
+  const std::int64_t ld = n;
+  double* columns = scratch;  // columns[m * n + i] = a(i, block[m])
+  double* mult = columns + width * ld;
+  double* scaled = mult + width * ld;
+  double* diag = scaled + width * ld;
+  double* packedA = diag + ld;
+  for (std::int64_t i = 0; i < n; ++i) diag[i] = a[KXPacked::Index(i, i)];
+  int swept = 0;
+  int next = 0;
+  while (next < count) {
+    int w = 0;
+    while (next < count && w < width && !inBlock[rows[next]]) {
+      block[w++] = rows[next];
+      inBlock[rows[next++]] = 1;
+    }
+    for (int m = 0; m < w; ++m) {
+      const int k = block[m];
+      double* column = columns + m * ld;
+      const double* rowK = a + KXPacked::Index(k, 0);
+      for (int j = 0; j < k; ++j) column[j] = rowK[j];
+      for (int i = k; i < n; ++i) column[i] = a[KXPacked::Index(i, k)];
+    }
+    int accepted = 0;
+    for (int m = 0; m < w; ++m) {
+      const int k = block[m];
+      double* column = columns + m * ld;
+      if (!rule.Accept(k, diag, column)) continue;
+      const double d = column[k];
+      const double absD = std::fabs(d);
+      const bool negate = -1.0 / d < 0.0;
+      double* c = mult + accepted * ld;
+      double* x = scaled + accepted * ld;
+      for (int i = 0; i < n; ++i) {
+        const double old = column[i];
+        c[i] = negate ? -old : old;
+        x[i] = old / absD;
+      }
+      // Row and column k take no term; the pass over the triangle writes
+      // there, but the block's columns are written over it afterwards.
+      c[k] = 0.0;
+      x[k] = 0.0;
+      for (int i = 0; i < n; ++i) diag[i] = diag[i] + c[i] * x[i];
+      diag[k] = -1.0 / d;
+      // The other columns of the block: element (i, k_l) is stored in row
+      // max(i, k_l) and takes c of that row times x of the other index.
+      for (int l = 0; l < w; ++l) {
+        if (l == m) continue;
+        const int kl = block[l];
+        double* other = columns + l * ld;
+        Axpy<Isa>(other, x, c[kl], kl);
+        AddTimesScalar<Isa>(other + kl, c + kl, x[kl], n - kl);
+        other[k] = x[kl];
+      }
+      for (int i = 0; i < n; ++i) column[i] = x[i];
+      column[k] = -1.0 / d;
+      ++accepted;
+    }
+    if (accepted > 0) {
+      AddSweepTerms<Isa>(a, n, mult, scaled, accepted, packedA);
+      for (int m = 0; m < w; ++m) {
+        const int k = block[m];
+        const double* column = columns + m * ld;
+        double* rowK = a + KXPacked::Index(k, 0);
+        for (int j = 0; j < k; ++j) rowK[j] = column[j];
+        for (int i = k; i < n; ++i) a[KXPacked::Index(i, k)] = column[i];
+      }
+    }
+    for (int m = 0; m < w; ++m) inBlock[block[m]] = 0;
+    swept += accepted;
+  }
+  return swept;
+}
+
+#if defined(KX_X86_DISPATCH)
+KX_TARGET("avx512f")
+int SweepRowsAvx512(double* a, int n, const int* rows, int count, SweepPivotRule& rule,
+                    int width, double* scratch, int* block, unsigned char* inBlock) {
+  return SweepRowsBlocked<IsaAvx512>(a, n, rows, count, rule, width, scratch, block, inBlock);
+}
+KX_TARGET("avx2")
+int SweepRowsAvx2(double* a, int n, const int* rows, int count, SweepPivotRule& rule,
+                  int width, double* scratch, int* block, unsigned char* inBlock) {
+  return SweepRowsBlocked<IsaAvx2>(a, n, rows, count, rule, width, scratch, block, inBlock);
+}
+#endif
+int SweepRowsBase(double* a, int n, const int* rows, int count, SweepPivotRule& rule,
+                  int width, double* scratch, int* block, unsigned char* inBlock) {
+  return SweepRowsBlocked<IsaBase>(a, n, rows, count, rule, width, scratch, block, inBlock);
+}
+
 }  // namespace
 
 // ---------------------------------------------------------------------------
@@ -535,6 +703,40 @@ void PackedSweepRow(double* a, int n, int k) {
     default:
       SweepBase(a, n, k);
   }
+}
+
+int PackedSweepRowsWithBlock(double* a, int n, const int* rows, int count,
+                             SweepPivotRule& rule, int width) {
+  if (n <= 0 || count <= 0) return 0;
+  if (width < 1) width = kSweepBlock;
+  width = std::min(width, n);
+  std::vector<double> scratch;
+  std::vector<int> block;
+  std::vector<unsigned char> inBlock;
+  try {
+    scratch.resize(SweepRowsScratchSize(n, width));
+    block.resize(static_cast<std::size_t>(width));
+    inBlock.assign(static_cast<std::size_t>(n), 0);
+  } catch (const std::bad_alloc&) {
+    return -1;
+  }
+  switch (ActiveIsa()) {
+#if defined(KX_X86_DISPATCH)
+    case IsaLevel::kAvx512:
+      return SweepRowsAvx512(a, n, rows, count, rule, width, scratch.data(), block.data(),
+                             inBlock.data());
+    case IsaLevel::kAvx2:
+      return SweepRowsAvx2(a, n, rows, count, rule, width, scratch.data(), block.data(),
+                           inBlock.data());
+#endif
+    default:
+      return SweepRowsBase(a, n, rows, count, rule, width, scratch.data(), block.data(),
+                           inBlock.data());
+  }
+}
+
+int PackedSweepRows(double* a, int n, const int* rows, int count, SweepPivotRule& rule) {
+  return PackedSweepRowsWithBlock(a, n, rows, count, rule, kSweepBlock);
 }
 
 int PackedLowerInversePlain(double* a, int n) {

@@ -57,6 +57,33 @@ void PackedSweepRowPlain(double* a, int n, int k);
 // through a fixed stack buffer; never allocates.
 void PackedSweepRow(double* a, int n, int k);
 
+// Decides each pivot of PackedSweepRows. Accept is called before row k is
+// swept, with the matrix as it stands then: diag[i] = a_ii and column[i] =
+// a_ik for every i < n. It returns true to sweep the row (and records
+// whatever the caller tracks, such as the set of swept rows), false to leave
+// the row as it is and go on with the next one.
+class SweepPivotRule {
+ public:
+  virtual bool Accept(int k, const double* diag, const double* column) = 0;
+
+ protected:
+  ~SweepPivotRule() = default;
+};
+
+// Sweeps rows[0], rows[1], ..., rows[count-1] in that order, each one the
+// rule accepts, with the same result bit for bit as PackedSweepRow applied
+// to those rows one after the other (a row may come back; the second sweep
+// reverses the first). Consecutive distinct rows are taken in blocks: the
+// block's own rows and columns are swept one by one in scratch, and the
+// pending sweeps are then added to the rest of the triangle in one pass,
+// each element still receiving them one at a time in order. Returns the
+// number of rows swept, or -1 (nothing changed, the rule never called) when
+// the scratch, about 3 * width * n doubles, cannot be allocated. Every row
+// must lie in [0, n). width < 1 selects the default block width.
+int PackedSweepRows(double* a, int n, const int* rows, int count, SweepPivotRule& rule);
+int PackedSweepRowsWithBlock(double* a, int n, const int* rows, int count,
+                             SweepPivotRule& rule, int width);
+
 // Inverse of a lower-triangular factor in place. A zero diagonal element
 // marks a redundant row: its row and column of the result are 0 (the
 // generalised inverse of the full-rank part). Returns the number of such

@@ -159,6 +159,19 @@ class KXCOMMONR_API KXSymMatrix : public KXSymMatrixData {
   // or an origDiag element is negative.
   bool Sweep(int k, double tol, const std::vector<double>& origDiag,
              KXBitSet& swept, bool check);
+  // Sweeps (or reverses) rows[0], rows[1], ... in that order, with the
+  // result bit for bit of Sweep(rows[0], ...), Sweep(rows[1], ...), ... :
+  // a row whose pivot test fails is left as it is and the next one goes on;
+  // a row listed twice is swept and then reversed. Runs of distinct rows are
+  // swept in blocks that pass over the matrix once per block instead of once
+  // per row, the faster way to sweep many rows (every row: the negated
+  // inverse). Returns the number of rows swept or reversed; -1, nothing
+  // changed, when a row is out of range or origDiag or swept has fewer than
+  // n elements (always checked) or, with check, when tol <= 0 or an
+  // origDiag element is negative. Allocates about 48 * n doubles of
+  // scratch, and sweeps row by row (same result) when that fails.
+  int SweepRows(const std::vector<int>& rows, double tol, const std::vector<double>& origDiag,
+                KXBitSet& swept, bool check);
 
   // In-place Cholesky factor, row by row: s = a_ij - sum_{m<j} l_im l_jm;
   // l_ij = s / l_jj (0 when l_jj == 0); row i is redundant (l_ii = 0, bit i

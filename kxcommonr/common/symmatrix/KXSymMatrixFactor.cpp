@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <limits>
 #include <new>
 #include <vector>
 
@@ -66,34 +67,97 @@ void NormaliseDeterminant(double* det) {
 // Sweep
 // ---------------------------------------------------------------------------
 
-bool KXSymMatrix::Sweep(int k, double tol, const std::vector<double>& origDiag,
-                        KXBitSet& swept, bool check) {
-  // Checks that protect memory are made whatever check says.
-  if (!HasConsistentData() || k < 0 || k >= nRows) return false;
-  const std::size_t n = static_cast<std::size_t>(nRows);
-  if (origDiag.size() < n || static_cast<std::size_t>(swept.Size()) < n) return false;
+namespace {
+
+// The pivot rule of the sweep for row k, reading the current diagonal as
+// diag(i) and the current a_ik as column(i). A row not yet swept needs
+// tol * origDiag[k] < a_kk, and every swept row j must keep its residual:
+// (a_jj - a_jk^2 / a_kk) * tol * origDiag[j] > -1. A swept row is reversed
+// unless its diagonal is 0 or NaN, which no sweep leaves (refused rather
+// than divided by).
+template <class Diag, class Column>
+bool PivotAccepted(int k, int n, double tol, const double* origDiag, const KXBitSet& swept,
+                   Diag diag, Column column) {
+  const double d = diag(k);
+  if (swept.IsIn(k)) return !(d == 0.0 || std::isnan(d));
+  if (!(tol * origDiag[k] < d)) return false;
+  for (int j = 0; j < n; ++j) {
+    if (!swept.IsIn(j)) continue;
+    const double ajk = column(j);
+    if ((diag(j) - ajk * ajk / d) * tol * origDiag[j] <= -1.0) return false;
+  }
+  return true;
+}
+
+// The sweep's arguments as Sweep and SweepRows check them: the memory they
+// touch always, the values only with check.
+bool SweepArgumentsValid(int n, double tol, const std::vector<double>& origDiag,
+                         const KXBitSet& swept, bool check) {
+  const std::size_t un = static_cast<std::size_t>(n);
+  if (origDiag.size() < un || static_cast<std::size_t>(swept.Size()) < un) return false;
   if (check) {
     if (!(tol > 0.0)) return false;
-    for (std::size_t i = 0; i < n; ++i)
+    for (std::size_t i = 0; i < un; ++i)
       if (origDiag[i] < 0.0) return false;
   }
-  double* a = data.data();
-  const double d = a[KXPacked::Index(k, k)];
-  const bool wasSwept = swept.IsIn(k);
-  if (!wasSwept) {
-    if (!(tol * origDiag[k] < d)) return false;
-    for (int j = 0; j < nRows; ++j) {
-      if (!swept.IsIn(j)) continue;
-      const double ajk = j < k ? a[KXPacked::Index(k, j)] : a[KXPacked::Index(j, k)];
-      const double ajj = a[KXPacked::Index(j, j)];
-      if ((ajj - ajk * ajk / d) * tol * origDiag[j] <= -1.0) return false;
-    }
-  } else if (d == 0.0 || std::isnan(d)) {
-    return false;  // no sweep leaves such a diagonal; refuse rather than divide
-  }
-  internal::PackedSweepRow(a, nRows, k);
-  swept.Set(k, !wasSwept);
   return true;
+}
+
+// The rule handed to the blocked kernel: it toggles the bit of every row it
+// lets through, as Sweep does.
+class SweepRule final : public internal::SweepPivotRule {
+ public:
+  SweepRule(int n, double tol, const double* origDiag, KXBitSet& swept)
+      : n_(n), tol_(tol), origDiag_(origDiag), swept_(swept) {}
+  bool Accept(int k, const double* diag, const double* column) override {
+    if (!PivotAccepted(
+            k, n_, tol_, origDiag_, swept_, [diag](int i) { return diag[i]; },
+            [column](int i) { return column[i]; }))
+      return false;
+    swept_.Set(k, !swept_.IsIn(k));
+    return true;
+  }
+
+ private:
+  int n_;
+  double tol_;
+  const double* origDiag_;
+  KXBitSet& swept_;
+};
+
+}  // namespace
+
+bool KXSymMatrix::Sweep(int k, double tol, const std::vector<double>& origDiag,
+                        KXBitSet& swept, bool check) {
+  if (!HasConsistentData() || k < 0 || k >= nRows ||
+      !SweepArgumentsValid(nRows, tol, origDiag, swept, check))
+    return false;
+  double* a = data.data();
+  if (!PivotAccepted(
+          k, nRows, tol, origDiag.data(), swept,
+          [a](int i) { return a[KXPacked::Index(i, i)]; },
+          [a, k](int i) { return a[KXPacked::SymIndex(i, k)]; }))
+    return false;
+  internal::PackedSweepRow(a, nRows, k);
+  swept.Set(k, !swept.IsIn(k));
+  return true;
+}
+
+int KXSymMatrix::SweepRows(const std::vector<int>& rows, double tol,
+                           const std::vector<double>& origDiag, KXBitSet& swept, bool check) {
+  if (!HasConsistentData() || !SweepArgumentsValid(nRows, tol, origDiag, swept, check))
+    return -1;
+  for (int k : rows)
+    if (k < 0 || k >= nRows) return -1;
+  if (rows.size() > static_cast<std::size_t>(std::numeric_limits<int>::max())) return -1;
+  SweepRule rule(nRows, tol, origDiag.data(), swept);
+  const int done = internal::PackedSweepRows(data.data(), nRows, rows.data(),
+                                             static_cast<int>(rows.size()), rule);
+  if (done >= 0) return done;
+  // No room for the block scratch: the same sweeps one row at a time.
+  int count = 0;
+  for (int k : rows) count += Sweep(k, tol, origDiag, swept, false) ? 1 : 0;
+  return count;
 }
 
 // ---------------------------------------------------------------------------

@@ -80,6 +80,70 @@ TEST(KXSymMatrixSweep, KnownCaseThresholdsAndRefusals) {
   EXPECT_EQ(bits.InSet(), 1);
 }
 
+// SweepRows gives the matrix, the bits and the count of the same Sweep
+// calls one by one, whatever the list: every row, every row twice (the
+// second pass reverses the first), a subset with repeats, rows swept
+// before the call; the dependent rows are refused by the residual test
+// of the rows swept before them.
+TEST(KXSymMatrixSweep, SweepRowsEqualsTheRowByRowSweeps) {
+  struct Case {
+    std::size_t n;
+    std::vector<std::size_t> dependent;
+    std::vector<int> rows;  // empty: every row, upwards
+    std::vector<int> before;  // swept before the call
+  };
+  const Case cases[] = {
+      {5, {2}, {}, {}},
+      {40, {3, 17}, {}, {}},
+      {40, {3, 17}, {39, 3, 3, 0, 17, 2, 1, 0, 20, 21, 22, 23, 24, 25, 26, 27, 28, 29}, {5, 17}},
+      {70, {1, 69}, {}, {10}},
+  };
+  for (const Case& c : cases) {
+    const Dense a = DependentCrossProducts(c.n, c.dependent, 3u + static_cast<unsigned>(c.n));
+    const std::vector<double> orig = Diagonal(a);
+    const int n = static_cast<int>(c.n);
+    std::vector<int> rows = c.rows;
+    if (rows.empty())
+      for (int k = 0; k < n; ++k) rows.push_back(k);
+    std::vector<int> twice = rows;
+    twice.insert(twice.end(), rows.begin(), rows.end());
+    for (const std::vector<int>* list : {&rows, &twice}) {
+      for (bool check : {true, false}) {
+        KXSymMatrix byRow = ToSym(a);
+        KXBitSet byRowBits(n);
+        for (int k : c.before) byRow.Sweep(k, 1e-9, orig, byRowBits, check);
+        KXSymMatrix blocked = byRow;
+        KXBitSet blockedBits = byRowBits;
+        int count = 0;
+        for (int k : *list) count += byRow.Sweep(k, 1e-9, orig, byRowBits, check) ? 1 : 0;
+        EXPECT_EQ(blocked.SweepRows(*list, 1e-9, orig, blockedBits, check), count);
+        EXPECT_EQ(blocked.GetData(), byRow.GetData()) << "n=" << n;
+        EXPECT_EQ(Bits(blockedBits), Bits(byRowBits));
+        if (c.rows.empty() && c.before.empty() && list == &rows) {
+          EXPECT_EQ(count, n - static_cast<int>(c.dependent.size()));
+        }
+      }
+    }
+  }
+  // Refusals: nothing changed, -1.
+  KXSymMatrix u = ToSym(RandomSpd(3, 2));
+  const std::vector<double> data = u.GetData(), good = {1, 1, 1};
+  KXBitSet bits(3), shortBits(2);
+  const struct {
+    std::vector<int> rows;
+    double tol;
+    std::vector<double> orig;
+    KXBitSet* swept;
+    bool check;
+  } refused[] = {{{0, 3}, 1e-8, good, &bits, false},    {{-1}, 1e-8, good, &bits, false},
+                 {{0}, 1e-8, {1, 1}, &bits, false},      {{0}, 1e-8, good, &shortBits, false},
+                 {{0}, 0.0, good, &bits, true},          {{0}, 1e-8, {1, -1, 1}, &bits, true}};
+  for (const auto& r : refused) EXPECT_EQ(u.SweepRows(r.rows, r.tol, r.orig, *r.swept, r.check), -1);
+  EXPECT_EQ(u.SweepRows({}, 1e-8, good, bits, true), 0);
+  EXPECT_EQ(u.GetData(), data);
+  EXPECT_EQ(bits.InSet(), 0);
+}
+
 TEST(KXSymMatrixCholesky, SmallCasesMasksAndRefusals) {
   KXSymMatrix s = FromPacked(2, {1, 1, 1});
   KXBitSet nonRedundant;
