@@ -148,6 +148,25 @@ void BM_SweepAll(benchmark::State& state) {
   SetFlops(state, Cube(state));
 }
 
+// Every row through SweepRows: the blocked sweeps, the same result.
+void BM_SweepRows(benchmark::State& state) {
+  const int n = static_cast<int>(state.range(0));
+  const KXCommon::KXSymMatrix original = TestMatrix(n);
+  std::vector<double> diag;
+  original.GetDiagonal(diag);
+  std::vector<int> rows(static_cast<std::size_t>(n));
+  for (int k = 0; k < n; ++k) rows[static_cast<std::size_t>(k)] = k;
+  KXCommon::KXSymMatrix work(n);
+  KXCommon::KXBitSet swept(n);
+  for (auto _ : state) {
+    work.AsVector() = original.GetData();
+    swept.Clear();
+    benchmark::DoNotOptimize(work.SweepRows(rows, 1e-12, diag, swept, true));
+    benchmark::ClobberMemory();
+  }
+  SetFlops(state, Cube(state));
+}
+
 void BM_DpptrfDpptri(benchmark::State& state, const kxbench::PeerLibrary& peer) {
   PackedFn dpptrf, dpptri;
   if (!kxbench::FindRoutines(state, peer, dpptrf, "dpptrf_", dpptri, "dpptri_")) return;
@@ -193,6 +212,7 @@ BENCHMARK_CAPTURE(BM_Dpotrf, openblas, kxbench::OpenBlas())->Apply(Sizes);
 
 BENCHMARK(BM_CholInverse)->Apply(Sizes);
 BENCHMARK(BM_SweepAll)->Apply(Sizes);
+BENCHMARK(BM_SweepRows)->Apply(Sizes);
 BENCHMARK_CAPTURE(BM_DpptrfDpptri, openblas, kxbench::OpenBlas())->Apply(Sizes);
 BENCHMARK_CAPTURE(BM_DpptrfDpptri, reflapack, kxbench::ReferenceLapack())->Apply(Sizes);
 BENCHMARK_CAPTURE(BM_DpotrfDpotri, openblas, kxbench::OpenBlas())->Apply(Sizes);

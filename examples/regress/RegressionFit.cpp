@@ -312,7 +312,11 @@ bool FitRegression(const CsvTable& table, const RegressionModel& model, Regressi
     }
   }
   KXBitSet sweptRows(order);
-  for (int j = 0; j < p; ++j) cross.Sweep(j, model.tol, origDiag, sweptRows, true);
+  std::vector<int> predictors(static_cast<std::size_t>(p));
+  for (int j = 0; j < p; ++j) predictors[static_cast<std::size_t>(j)] = j;
+  if (cross.SweepRows(predictors, model.tol, origDiag, sweptRows, true) < 0) {
+    return Fail(error, FitErrorKind::kLibrary, "the sweep of the predictors was refused");
+  }
 
   int rank = 0;
   std::vector<double> beta(static_cast<std::size_t>(p), 0.0);
