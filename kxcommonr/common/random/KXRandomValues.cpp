@@ -287,16 +287,6 @@ bool KXRandomValues::SetParamWishart(int n, double df, const KXSymMatrixData& sc
 
 // ---- Draws ------------------------------------------------------------------
 
-double KXRandomValues::GetRandom() {
-  if (!fbScalar) return KXMV::Missing();
-  switch (fiType) {
-    case kUniform: return RVUni(fdA, fdB);
-    case kNormal: return RVNor(fdMean, fdSD);
-    case kChiSquare: return RVChi(fdChiDF);
-    default: return KXMV::Missing();
-  }
-}
-
 bool KXRandomValues::GetRandom(std::vector<double>& out) {
   if (fbScalar || (fiType != kUniform && fiType != kNormal)) return false;
   const std::size_t n = fvWork.size();

@@ -27,8 +27,10 @@ KXURandom::KXURandom(unsigned long seed, bool usePortable, bool useTwister, KXRa
       fbUsePortable(usePortable),
       fbUseTwister(usePortable && useTwister && user == nullptr),
       fpTwister(nullptr),
-      fpUser(user) {
+      fpUser(user),
+      fpDrawTwister(nullptr) {
   if (fbUseTwister) CreateTwister();
+  UpdateDrawPath();
 }
 
 KXURandom::KXURandom(const KXURandom& other)
@@ -36,8 +38,10 @@ KXURandom::KXURandom(const KXURandom& other)
       fbUsePortable(other.fbUsePortable),
       fbUseTwister(other.fbUseTwister),
       fpTwister(nullptr),
-      fpUser(other.fpUser) {
+      fpUser(other.fpUser),
+      fpDrawTwister(nullptr) {
   if (fbUseTwister) CreateTwister();
+  UpdateDrawPath();
 }
 
 KXURandom& KXURandom::operator=(const KXURandom& other) {
@@ -53,6 +57,7 @@ KXURandom& KXURandom::operator=(const KXURandom& other) {
   fbUsePortable = other.fbUsePortable;
   fbUseTwister = other.fbUseTwister;
   fpUser = other.fpUser;
+  UpdateDrawPath();
   return *this;
 }
 
@@ -61,6 +66,11 @@ KXURandom::~KXURandom() { delete fpTwister; }
 void KXURandom::CreateTwister() {
   fpTwister = new KXRandomTwister();
   fpTwister->Initialize(fuSeed);
+  UpdateDrawPath();
+}
+
+void KXURandom::UpdateDrawPath() {
+  fpDrawTwister = fpUser == nullptr && fbUsePortable && fbUseTwister ? fpTwister : nullptr;
 }
 
 void KXURandom::SetSeed(unsigned long seed) {
@@ -83,15 +93,29 @@ void KXURandom::SetUsePortable(bool usePortable) {
     delete fpTwister;
     fpTwister = nullptr;
   }
+  UpdateDrawPath();
 }
 
 double KXURandom::GetRandom() { return internal::URandomAccess::Draw(*this); }
+
+double internal::URandomAccess::DrawOther(KXURandom& g) {
+  if (g.fpUser != nullptr) return g.fpUser->GetRandom();
+  if (!g.fbUsePortable) return std::rand() / static_cast<double>(RAND_MAX);
+  if (!g.fbUseTwister) {
+    g.fuSeed = static_cast<std::uint32_t>(static_cast<std::uint64_t>(g.fuSeed) * 397204094u %
+                                          2147483647u);
+    return g.fuSeed * 4.656612873077393e-10;
+  }
+  if (g.fpTwister == nullptr) g.CreateTwister();
+  return TwisterRealOpen(TwisterAccess::Next(*g.fpTwister));
+}
 
 bool KXURandom::AssignRead(double seed, bool usePortable, bool useTwister) {
   if (!(seed >= 0.0 && seed < 4294967296.0)) return false;  // NaN fails too
   fuSeed = static_cast<std::uint32_t>(seed);
   fbUsePortable = usePortable;
   fbUseTwister = useTwister;
+  UpdateDrawPath();
   return true;
 }
 

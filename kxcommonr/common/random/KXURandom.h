@@ -127,6 +127,9 @@ class KXCOMMONR_API KXURandom {
 
   // A new twister seeded from the seed (replacing none).
   void CreateTwister();
+  // Sets fpDrawTwister from the fields it derives from; called after every
+  // change of them.
+  void UpdateDrawPath();
   // Stores a seed read from a record when it is a number in [0, 2^32).
   bool AssignRead(double seed, bool usePortable, bool useTwister);
 
@@ -135,6 +138,9 @@ class KXCOMMONR_API KXURandom {
   bool fbUseTwister;
   KXRandomTwister* fpTwister;  // owned; present with use-twister
   KXRandom* fpUser;            // not owned
+  // The twister when it alone draws (no caller's generator, use-portable
+  // and use-twister set), else null: the one test of the common draw.
+  KXRandomTwister* fpDrawTwister;
 };
 
 }  // namespace KXCommon

@@ -10,7 +10,6 @@
 #define KXCOMMONR_COMMON_RANDOM_INTERNAL_KXRANDOMACCESS_H
 
 #include <cstdint>
-#include <cstdlib>
 
 #include "kxcommonr/common/random/KXRandomTwister.h"
 #include "kxcommonr/common/random/KXURandom.h"
@@ -25,24 +24,41 @@ struct TwisterAccess {
     if (s.index >= kTwisterWords) t.Refill();
     return TwisterTemper(s.words[s.index++]);
   }
+  // The next two words, when the block holds both (false: nothing drawn).
+  static KX_ALWAYS_INLINE bool NextPair(KXRandomTwister& t, std::uint32_t& a, std::uint32_t& b) {
+    KXRandomTwister::State& s = *t.fpState;
+    if (s.index > kTwisterWords - 2) return false;
+    a = TwisterTemper(s.words[s.index]);
+    b = TwisterTemper(s.words[s.index + 1]);
+    s.index += 2;
+    return true;
+  }
   static std::uint32_t* Words(KXRandomTwister& t) { return t.fpState->words; }
   static std::int32_t& Index(KXRandomTwister& t) { return t.fpState->index; }
 };
 
 struct URandomAccess {
   // KXURandom::GetRandom: the caller's generator, rand(), the portable
-  // congruential generator or the twister, in that order of precedence.
+  // congruential generator or the twister, in that order of precedence. The
+  // common case, the twister, is inline; the others are not.
   static KX_ALWAYS_INLINE double Draw(KXURandom& g) {
-    if (g.fpUser != nullptr) return g.fpUser->GetRandom();
-    if (!g.fbUsePortable) return std::rand() / static_cast<double>(RAND_MAX);
-    if (!g.fbUseTwister) {
-      g.fuSeed = static_cast<std::uint32_t>(static_cast<std::uint64_t>(g.fuSeed) * 397204094u %
-                                            2147483647u);
-      return g.fuSeed * 4.656612873077393e-10;
-    }
-    if (g.fpTwister == nullptr) g.CreateTwister();
-    return TwisterRealOpen(TwisterAccess::Next(*g.fpTwister));
+    if (g.fpDrawTwister != nullptr) return TwisterRealOpen(TwisterAccess::Next(*g.fpDrawTwister));
+    return DrawOther(g);
   }
+  // Two draws in order, exactly as two calls of Draw: one pass through the
+  // precedence when the twister's block holds both words.
+  static KX_ALWAYS_INLINE void DrawPair(KXURandom& g, double& first, double& second) {
+    std::uint32_t a, b;
+    if (g.fpDrawTwister != nullptr && TwisterAccess::NextPair(*g.fpDrawTwister, a, b)) {
+      first = TwisterRealOpen(a);
+      second = TwisterRealOpen(b);
+      return;
+    }
+    first = Draw(g);
+    second = Draw(g);
+  }
+  // Draw by the full order of precedence (KXURandom.cpp).
+  static double DrawOther(KXURandom& g);
 };
 
 }  // namespace internal
