@@ -168,7 +168,8 @@ TEST(KXRandomValuesTest, OwnedAndBorrowedGenerators) {
   owned.SetSeed(7);
   owned.GetRandom();
   assigned = owned;
-  assigned = assigned;
+  const KXRandomValues& self = assigned;
+  assigned = self;  // self-assignment changes nothing
   reference.Initialize(7);
   EXPECT_EQ(assigned.GetRandom(), reference.GetRealOpen());  // restarted from the seed
   EXPECT_TRUE(assigned.SetURNGPtr(&p2));

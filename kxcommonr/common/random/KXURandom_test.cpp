@@ -106,7 +106,8 @@ TEST(KXURandomTest, CopiesRestartTheTwisterFromTheSeed) {
   Draw(source, 1000);
   KXURandom copy(source);
   assigned = source;
-  assigned = assigned;
+  const KXURandom& self = assigned;
+  assigned = self;  // self-assignment changes nothing
   EXPECT_EQ(Draw(copy, 700), TwisterDraws(2024, 700));
   EXPECT_EQ(Draw(assigned, 700), TwisterDraws(2024, 700));
   KXURandom portable(5, true, false, nullptr);
