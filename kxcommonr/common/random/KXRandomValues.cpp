@@ -15,6 +15,15 @@ namespace {
 bool Finite(double x) { return std::isfinite(x); }
 bool ValidBounds(double a, double b) { return Finite(a) && Finite(b) && a < b && Finite(b - a); }
 
+// Exchanges two one-block matrices without allocating: the data vectors are
+// swapped, and each Resize then finds its data already of the right size.
+void SwapMatrices(KXSymMatrix& a, KXSymMatrix& b) {
+  const int aRows = a.GetNRows(), bRows = b.GetNRows();
+  a.AsVector().swap(b.AsVector());
+  a.Resize(bRows);
+  b.Resize(aRows);
+}
+
 }  // namespace
 
 KXRandomValues::KXRandomValues()
@@ -37,39 +46,66 @@ KXRandomValues::KXRandomValues()
       fdWishartDF(1.0) {}
 
 KXRandomValues::KXRandomValues(const KXRandomValues& other)
-    : fpURNG(nullptr), fbOwnsURNG(true), fbMadeURNG(false) {
-  *this = other;
+    : fuSeed(other.fuSeed),
+      fdTol(other.fdTol),
+      fiType(other.fiType),
+      fiDim(other.fiDim),
+      fbScalar(other.fbScalar),
+      fbStandard(other.fbStandard),
+      fpURNG(nullptr),
+      fbOwnsURNG(true),
+      fbMadeURNG(true),
+      fiGammaMethod(other.fiGammaMethod),
+      fdA(other.fdA),
+      fdB(other.fdB),
+      fdMean(other.fdMean),
+      fdVar(other.fdVar),
+      fdSD(other.fdSD),
+      fdChiDF(other.fdChiDF),
+      fdWishartDF(other.fdWishartDF),
+      fvA(other.fvA),
+      fvB(other.fvB),
+      fvMean(other.fvMean),
+      fmMatrix(other.fmMatrix),
+      fmFactor(other.fmFactor),
+      fvWork(other.fvWork),
+      fmWork(other.fmWork) {
+  fpURNG = new KXURandom(*other.fpURNG);  // last: nothing after it can throw
 }
 
 KXRandomValues& KXRandomValues::operator=(const KXRandomValues& other) {
-  if (this == &other) return *this;
-  KXURandom* urng = new KXURandom(*other.fpURNG);
-  ReleaseURNG();
-  fpURNG = urng;
-  fbOwnsURNG = true;
-  fbMadeURNG = true;
-  fuSeed = other.fuSeed;
-  fdTol = other.fdTol;
-  fiType = other.fiType;
-  fiDim = other.fiDim;
-  fbScalar = other.fbScalar;
-  fbStandard = other.fbStandard;
-  fiGammaMethod = other.fiGammaMethod;
-  fdA = other.fdA;
-  fdB = other.fdB;
-  fdMean = other.fdMean;
-  fdVar = other.fdVar;
-  fdSD = other.fdSD;
-  fdChiDF = other.fdChiDF;
-  fdWishartDF = other.fdWishartDF;
-  fvA = other.fvA;
-  fvB = other.fvB;
-  fvMean = other.fvMean;
-  fmMatrix = other.fmMatrix;
-  fmFactor = other.fmFactor;
-  fvWork = other.fvWork;
-  fmWork = other.fmWork;
+  if (this != &other) {
+    KXRandomValues copy(other);
+    Swap(copy);  // copy takes this object's generator and deletes it if made here
+  }
   return *this;
+}
+
+void KXRandomValues::Swap(KXRandomValues& other) {
+  std::swap(fuSeed, other.fuSeed);
+  std::swap(fdTol, other.fdTol);
+  std::swap(fiType, other.fiType);
+  std::swap(fiDim, other.fiDim);
+  std::swap(fbScalar, other.fbScalar);
+  std::swap(fbStandard, other.fbStandard);
+  std::swap(fpURNG, other.fpURNG);
+  std::swap(fbOwnsURNG, other.fbOwnsURNG);
+  std::swap(fbMadeURNG, other.fbMadeURNG);
+  std::swap(fiGammaMethod, other.fiGammaMethod);
+  std::swap(fdA, other.fdA);
+  std::swap(fdB, other.fdB);
+  std::swap(fdMean, other.fdMean);
+  std::swap(fdVar, other.fdVar);
+  std::swap(fdSD, other.fdSD);
+  std::swap(fdChiDF, other.fdChiDF);
+  std::swap(fdWishartDF, other.fdWishartDF);
+  fvA.swap(other.fvA);
+  fvB.swap(other.fvB);
+  fvMean.swap(other.fvMean);
+  fvWork.swap(other.fvWork);
+  SwapMatrices(fmMatrix, other.fmMatrix);
+  SwapMatrices(fmFactor, other.fmFactor);
+  SwapMatrices(fmWork, other.fmWork);
 }
 
 KXRandomValues::~KXRandomValues() { ReleaseURNG(); }
@@ -237,14 +273,15 @@ bool KXRandomValues::SetParamNormal(const std::vector<double>& mean, double tol,
   }
   const int n = static_cast<int>(mean.size());
   try {
-    KXSymMatrix factor;
+    KXSymMatrix matrix, factor;
+    matrix.SetData(cov);
     if (!Factor(cov, n, tol, factor)) return false;
     std::vector<double> center(mean), work(mean.size());
-    KXSymMatrixData matrix(cov);
+    // Nothing allocates from here on: the object changes all at once.
     fvMean.swap(center);
     fvWork.swap(work);
-    std::swap(fmMatrix, matrix);
-    std::swap(fmFactor, factor);
+    SwapMatrices(fmMatrix, matrix);
+    SwapMatrices(fmFactor, factor);
   } catch (const std::bad_alloc&) {
     return false;
   }
@@ -268,12 +305,12 @@ bool KXRandomValues::SetParamWishart(int n, double df) {
 bool KXRandomValues::SetParamWishart(int n, double df, const KXSymMatrixData& scale) {
   if (n < 1 || !(df >= n && Finite(df))) return false;
   try {
-    KXSymMatrix factor, work;
+    KXSymMatrix matrix, factor, work;
+    matrix.SetData(scale);
     if (!Factor(scale, n, fdTol, factor) || !work.SetNRows(n)) return false;
-    KXSymMatrixData matrix(scale);
-    std::swap(fmMatrix, matrix);
-    std::swap(fmFactor, factor);
-    std::swap(fmWork, work);
+    SwapMatrices(fmMatrix, matrix);  // nothing allocates from here on
+    SwapMatrices(fmFactor, factor);
+    SwapMatrices(fmWork, work);
   } catch (const std::bad_alloc&) {
     return false;
   }

@@ -233,6 +233,8 @@ class KXCOMMONR_API KXRandomValues {
   // SetParamNormal); false when it is not one.
   bool Factor(const KXSymMatrixData& m, int n, double tol, KXSymMatrix& factor) const;
   void ReleaseURNG();
+  // Exchanges every field with other's; never allocates.
+  void Swap(KXRandomValues& other);
 
   std::uint32_t fuSeed;
   double fdTol;
@@ -250,7 +252,7 @@ class KXCOMMONR_API KXRandomValues {
   double fdWishartDF;
   std::vector<double> fvA, fvB;   // uniform vector bounds
   std::vector<double> fvMean;     // multivariate normal mean
-  KXSymMatrixData fmMatrix;       // covariance or Wishart scale, as given
+  KXSymMatrix fmMatrix;           // covariance or Wishart scale, as given
   KXSymMatrix fmFactor;           // its Cholesky factor
   std::vector<double> fvWork;     // the draws of a vector, before out
   KXSymMatrix fmWork;             // the Bartlett matrix, before out

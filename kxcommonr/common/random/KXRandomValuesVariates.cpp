@@ -9,15 +9,15 @@
 #include "kxcommonr/common/random/KXRandomValues.h"
 #include "kxcommonr/common/random/internal/KXRandomAccess.h"
 
-namespace KXCommon {
-
-namespace {
-
 #if defined(_MSC_VER)
 #define KX_RANDOM_NOINLINE __declspec(noinline)
 #else
 #define KX_RANDOM_NOINLINE __attribute__((noinline))
 #endif
+
+namespace KXCommon {
+
+namespace {
 
 // A rejection loop that runs this often has a degenerate generator.
 constexpr long kMaxTrials = 1000000;
