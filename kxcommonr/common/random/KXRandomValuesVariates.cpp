@@ -79,13 +79,10 @@ KX_RANDOM_NOINLINE double NormalOutside(KXURandom* g, double u1, double u2) {
 
 // Here rather than with the other draws, so that the variates inline into it.
 double KXRandomValues::GetRandom() {
-  if (!fbScalar) return KXMV::Missing();
-  switch (fiType) {
-    case kUniform: return RVUni(fdA, fdB);
-    case kNormal: return RVNor(fdMean, fdSD);
-    case kChiSquare: return RVChi(fdChiDF);
-    default: return KXMV::Missing();
-  }
+  if (!fbScalar) return KXMV::Missing();  // the scalar types are 0, 1 and 2
+  if (fiType == kUniform) return RVUni(fdA, fdB);
+  if (fiType == kNormal) return RVNor(fdMean, fdSD);
+  return RVChi(fdChiDF);
 }
 
 double KXRandomValues::Uniform() { return internal::URandomAccess::Draw(*fpURNG); }

@@ -136,6 +136,8 @@ TEST(KXRandomValuesTest, SettersRefuseInvalidParametersAndChangeNothing) {
   EXPECT_TRUE(v.SetParamNormal({0, 0, 0}, 1e-10, Packed(3, {1, 1, 1, 0, 0, 0})));
   EXPECT_TRUE(v.SetParamNormal({0, 0}, 1e-8, Packed(2, {1, 1 + 1e-5, 1})));
   EXPECT_TRUE(v.SetParamWishart(2, 2));
+  EXPECT_TRUE(v.SetTolerance(0.0));
+  EXPECT_EQ(v.GetTolerance(), 0.0);
 }
 
 TEST(KXRandomValuesTest, EachDistributionAllowsItsDraws) {
@@ -233,9 +235,18 @@ TEST(KXRandomValuesTest, Display) {
             "\nKXURandom display start\nThe seed = 12\nPortable RNG indicator = true"
             "\nMersenne Twister RNG indicator = true\nKXURandom display end"
             "\nKXRandomValues display end");
-  ASSERT_TRUE(v.SetParamWishart(2, 3, Packed(2, {1, 0.5, 2})));
-  const std::string text = Shown(v);
-  EXPECT_NE(text.find("\nDegrees of freedom = 3\nScale\nKXSymMatrixData display start"), std::string::npos);
+  // The parameters each distribution shows.
+  const std::vector<std::pair<std::function<bool(KXRandomValues&)>, std::string>> shown = {
+      {[](KXRandomValues& x) { return x.SetParamUniform(2, 3); }, "\nLower bound = 2\nUpper bound = 3\n"},
+      {[](KXRandomValues& x) { return x.SetParamUniform(Vec{0}, Vec{2}); }, "\nUpper bound (size = 1)\n  2\n"},
+      {[](KXRandomValues& x) { return x.SetParamNormal({5}, 0, Packed(1, {2})); }, "\nMean (size = 1)\n  5\nVariance\n"},
+      {[](KXRandomValues& x) { return x.SetParamChi(4); }, "\nDegrees of freedom = 4\n"},
+      {[](KXRandomValues& x) { return x.SetParamWishart(2, 3, Packed(2, {1, 0.5, 2})); },
+       "\nDegrees of freedom = 3\nScale\nKXSymMatrixData display start"}};
+  for (const auto& entry : shown) {
+    ASSERT_TRUE(entry.first(v));
+    EXPECT_NE(Shown(v).find(entry.second), std::string::npos) << entry.second;
+  }
 }
 
 // Sets the distribution of a reference-file label as the script describes

@@ -160,6 +160,11 @@ TEST(KXURandomTest, BinaryRecordWritesThenReadsAllOrNothing) {
   again.seekg(20);
   ASSERT_EQ(portable.ReadObject(again), 20);
   EXPECT_EQ(Draw(portable, 3), TwisterDraws(34567, 3));
+  KXURandom reseeded(1, true, false, nullptr);  // ... or on its next SetSeed
+  again.seekg(20);
+  ASSERT_EQ(reseeded.ReadObject(again), 20);
+  reseeded.SetSeed(8);
+  EXPECT_EQ(Draw(reseeded, 3), TwisterDraws(8, 3));
 
   const double nan = std::numeric_limits<double>::quiet_NaN();
   for (const std::string& bad : {Record("KXUT", 5, 1, 1), Record("KXUR", -1, 1, 1),
