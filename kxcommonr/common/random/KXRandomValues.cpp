@@ -238,7 +238,7 @@ bool KXRandomValues::SetParamNormal(int n) {
 }
 
 bool KXRandomValues::Factor(const KXSymMatrixData& m, int n, double tol,
-                            KXSymMatrix& factor) const {
+                            KXSymMatrix& factor) {
   const std::vector<double>& a = m.GetData();
   if (m.GetNRows() != n || a.size() != KXSymMatrixData::PackedSize(n)) return false;
   for (const double x : a) {

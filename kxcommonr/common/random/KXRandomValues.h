@@ -126,7 +126,8 @@ class KXCOMMONR_API KXRandomValues {
   bool SetParamUniform(int n);
   // Vectors whose component i is uniform on [a[i], b[i]]. False unless the
   // sizes are equal and at least 1 and every pair is accepted as by
-  // SetParamUniform(a, b).
+  // SetParamUniform(a, b). Pass vectors: SetParamUniform({0}, {2}) calls the
+  // scalar form.
   bool SetParamUniform(const std::vector<double>& a, const std::vector<double>& b);
   // Vectors of n independent standard normals. False when n < 1.
   bool SetParamNormal(int n);
@@ -231,7 +232,7 @@ class KXCOMMONR_API KXRandomValues {
   double Uniform();
   // Factorises a positive semi-definite matrix of order n (see
   // SetParamNormal); false when it is not one.
-  bool Factor(const KXSymMatrixData& m, int n, double tol, KXSymMatrix& factor) const;
+  static bool Factor(const KXSymMatrixData& m, int n, double tol, KXSymMatrix& factor);
   void ReleaseURNG();
   // Exchanges every field with other's; never allocates.
   void Swap(KXRandomValues& other);
