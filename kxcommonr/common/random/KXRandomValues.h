@@ -20,7 +20,7 @@
 // The order of the draws is documented with each operation.
 //
 // Cost (bench/random_benchmark.cpp, one run on a 2-core AMD EPYC):
-//   - a standard normal consumes 2.16 uniforms on average (about 12 ns);
+//   - a standard normal consumes 2.16 uniforms on average (about 11 ns);
 //   - GS (shape below 1) about 2.7 uniforms at a = 0.5 (about 55 ns);
 //   - Fishman's method runs e sqrt(a / (2 pi)) trials on average for large
 //     a, each of two uniforms and three logarithms: 2.5 uniforms a draw at

@@ -75,6 +75,16 @@ KX_RANDOM_NOINLINE double NormalOutside(KXURandom* g, double u1, double u2) {
   return KXMV::Missing();
 }
 
+// Kinderman and Ramage's standard normal. Every path draws u1 and then u2
+// (the first of a trial's pair); the centre, 88% of the draws, needs no
+// more and is inlined where the normal is drawn.
+KX_ALWAYS_INLINE double StandardNormal(KXURandom* g) {
+  double u1, u2;
+  DrawPair(g, u1, u2);
+  if (u1 < 0.884070402298758) return kXi * (1.13113163544418 * u1 + u2 - 1.0);
+  return NormalOutside(g, u1, u2);
+}
+
 }  // namespace
 
 // Here rather than with the other draws, so that the variates inline into it.
@@ -102,7 +112,7 @@ double KXRandomValues::RVExp(double rate) {
 double KXRandomValues::RVNor(double mean, double sd) {
   if (sd == 0.0) return mean;
   if (sd < 0.0) return KXMV::Missing();
-  const double z = RVSNor();
+  const double z = StandardNormal(fpURNG);
   if (KXMV::IsMissing(z)) return z;
   return z * sd + mean;
 }
@@ -114,14 +124,7 @@ double KXRandomValues::RVChi(double df) {
 
 double KXRandomValues::RVAuxF(double t) { return AuxF(t); }
 
-double KXRandomValues::RVSNor() {
-  // Every path draws u1 and then u2 (the first of a trial's pair); the
-  // centre, 88% of the draws, needs no more.
-  double u1, u2;
-  DrawPair(fpURNG, u1, u2);
-  if (u1 < 0.884070402298758) return kXi * (1.13113163544418 * u1 + u2 - 1.0);
-  return NormalOutside(fpURNG, u1, u2);
-}
+double KXRandomValues::RVSNor() { return StandardNormal(fpURNG); }
 
 double KXRandomValues::RVGam(double a, double rate) {
   if (!(a > 0.0 && a < HUGE_VAL && rate > 0.0 && rate < HUGE_VAL)) return KXMV::Missing();

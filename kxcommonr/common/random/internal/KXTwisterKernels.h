@@ -43,9 +43,10 @@ inline std::uint32_t TwisterTemper(std::uint32_t y) {
   return y;
 }
 
-// (w + 0.5) * 2^-32: a word as a real strictly inside (0, 1), exactly.
+// (w + 0.5) * 2^-32: a word as a real strictly inside (0, 1), computed
+// exactly as (2w + 1) * 2^-33 (one operation fewer).
 inline double TwisterRealOpen(std::uint32_t w) {
-  return (static_cast<double>(w) + 0.5) * 2.3283064365386963e-10;
+  return static_cast<double>(2 * static_cast<std::int64_t>(w) + 1) * 1.1641532182693481e-10;
 }
 
 // The next block of 624 words from the current one, in place: the reference
