@@ -19,15 +19,15 @@
 //   - Wishart: the Bartlett decomposition, multiplied by the scale's factor.
 // The order of the draws is documented with each operation.
 //
-// Cost (bench/random_benchmark.cpp, one run on a 2-core AMD EPYC):
+// Cost (bench/random_benchmark.cpp, medians of one run on a 2-core AMD EPYC):
 //   - a standard normal consumes 2.16 uniforms on average (about 11 ns);
-//   - GS (shape below 1) about 2.7 uniforms at a = 0.5 (about 55 ns);
+//   - GS (shape below 1): 2.7 uniforms a draw at a = 0.5 (about 53 ns);
 //   - Fishman's method runs e sqrt(a / (2 pi)) trials on average for large
 //     a, each of two uniforms and three logarithms: 2.5 uniforms a draw at
-//     a = 1.5 (about 42 ns), 6.8 at a = 10 (about 115 ns) and 215 at a = 1e4
-//     (about 2.6 microseconds). It is refused above kMaxFishmanShape;
+//     a = 1.5 (about 41 ns), 6.8 at a = 10 (about 110 ns) and 215 at a = 1e4
+//     (about 2.4 microseconds). It is refused above kMaxFishmanShape;
 //   - Marsaglia and Tsang's method takes one normal and one uniform per
-//     trial, about 3.2 uniforms and 26 ns a draw at any shape above 1. It
+//     trial, about 3.2 uniforms and 23 ns a draw at any shape above 1. It
 //     must be selected explicitly: the library never changes an algorithm
 //     on its own.
 //
