@@ -31,6 +31,12 @@
 // Distributions
 #include "kxcommonr/common/dist/KXDistFun.h"
 
+// Random numbers
+#include "kxcommonr/common/random/KXRandom.h"
+#include "kxcommonr/common/random/KXRandomTwister.h"
+#include "kxcommonr/common/random/KXURandom.h"
+#include "kxcommonr/common/random/KXRandomValues.h"
+
 // XML
 #include "kxcommonr/xml/ExportFormat.h"
 #include "kxcommonr/xml/XMLInterface.h"
