@@ -35,8 +35,6 @@ using simd::IsaAvx2;
 using simd::IsaBase;
 using simd::Axpy;
 using simd::Axmy;
-using simd::LoadU;
-using simd::StoreU;
 using simd::TileKernel;
 
 // ---------------------------------------------------------------------------
@@ -468,23 +466,6 @@ std::size_t SweepRowsScratchSize(int n, int width) {
          static_cast<std::size_t>(n) + static_cast<std::size_t>(width) * kMaxRows;
 }
 
-// y[i] = y[i] + c[i] * s for i < count (the product in the order of the
-// sweep's own update, c_i * x_j).
-template <class Isa>
-KX_ALWAYS_INLINE void AddTimesScalar(double* y, const double* c, double s, std::int64_t count) {
-  typedef typename Isa::V V;
-  constexpr int L = Isa::kLanes;
-  std::int64_t i = 0;
-  for (; i + L <= count; i += L) {
-    V y0, c0;
-    LoadU(y0, y + i);
-    LoadU(c0, c + i);
-    y0 = y0 + c0 * s;
-    StoreU(y + i, y0);
-  }
-  for (; i < count; ++i) y[i] = y[i] + c[i] * s;
-}
-
 // Adds the terms of `count` sweeps, mult[t * n + i] * scaled[t * n + j] for
 // t = 0, 1, ..., to every element (i, j), j <= i, of the triangle.
 template <class Isa>
@@ -570,7 +551,7 @@ KX_ALWAYS_INLINE int SweepRowsBlocked(double* a, int n, const int* rows, int cou
         const int kl = block[l];
         double* other = columns + l * ld;
         Axpy<Isa>(other, x, c[kl], kl);
-        AddTimesScalar<Isa>(other + kl, c + kl, x[kl], n - kl);
+        Axpy<Isa>(other + kl, c + kl, x[kl], n - kl);  // x_kl * c_i: the same product
         other[k] = x[kl];
       }
       for (int i = 0; i < n; ++i) column[i] = x[i];
