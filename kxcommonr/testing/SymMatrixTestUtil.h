@@ -7,6 +7,7 @@
 #define KXCOMMONR_TESTING_SYMMATRIXTESTUTIL_H
 
 #include <cstddef>
+#include <vector>
 
 #include "kxcommonr/common/symmatrix/KXSymMatrix.h"
 #include "kxcommonr/testing/DenseTestUtil.h"
@@ -30,6 +31,13 @@ inline Dense ToDense(const KXCommon::KXSymMatrix& s) {
     for (std::size_t j = 0; j < d.n; ++j)
       d(i, j) = s.GetElem(static_cast<int>(i), static_cast<int>(j));
   return d;
+}
+
+// A matrix of order n holding the given packed lower triangle as it is.
+inline KXCommon::KXSymMatrix FromPacked(int n, const std::vector<double>& packed) {
+  KXCommon::KXSymMatrix s(n);
+  s.AsVector() = packed;
+  return s;
 }
 
 // The factor stored in a packed matrix as a dense lower-triangular matrix.

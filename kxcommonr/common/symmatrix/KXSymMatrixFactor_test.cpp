@@ -25,12 +25,6 @@ using KXCommon::KXMV;
 using KXCommon::KXSymMatrix;
 using namespace kxtesting;  // the dense reference helpers and tolerance tiers
 
-KXSymMatrix FromPacked(int n, const std::vector<double>& packed) {
-  KXSymMatrix s(n);
-  s.AsVector() = packed;
-  return s;
-}
-
 // The set's bits as '0' and '1', position 0 first.
 std::string Bits(const KXBitSet& set) {
   std::string bits;

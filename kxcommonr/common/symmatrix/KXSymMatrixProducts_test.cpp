@@ -27,12 +27,6 @@ const int kSizes[] = {0, 1, 2, 3, 7, 8, 17, 33, 64, 65};
 // by at most about `terms` roundings of magnitude 1.
 double SumTolerance(int terms) { return kxtesting::kTight * (terms + 1); }
 
-KXSymMatrix FromPacked(int n, const std::vector<double>& packed) {
-  KXSymMatrix s(n);
-  s.AsVector() = packed;
-  return s;
-}
-
 // ---------------------------------------------------------------- updates
 
 TEST(KXSymMatrixUpdates, FullMaskedAndSparseUpdatesMatchDenseAccumulation) {
