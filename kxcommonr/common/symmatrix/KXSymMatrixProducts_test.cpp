@@ -25,13 +25,9 @@ const int kSizes[] = {0, 1, 2, 3, 7, 8, 17, 33, 64, 65};
 
 // A sum of `terms` products of values in [-1, 1] differs from the exact sum
 // by at most about `terms` roundings of magnitude 1.
-double SumTolerance(int terms) { return kxtesting::kTight * (terms + 1); }
+double SumTolerance(int terms) { return kTight * (terms + 1); }
 
-KXSymMatrix FromPacked(int n, const std::vector<double>& packed) {
-  KXSymMatrix s(n);
-  s.AsVector() = packed;
-  return s;
-}
+const auto FromPacked = SymFromPacked;
 
 // ---------------------------------------------------------------- updates
 
@@ -229,14 +225,14 @@ TEST(KXSymMatrixProducts, MatrixProductsAndTracesAgainstDense) {
     const double tol = SumTolerance(n * n);
     KXSymMatrix out, self = s;
     ASSERT_TRUE(s.ComputeGMG(t.AsVector(), out));
-    EXPECT_LE(kxtesting::MaxAbsDiff(ToDense(out), Multiply(td, Multiply(sd, td))), tol);
+    EXPECT_LE(MaxAbsDiff(ToDense(out), Multiply(td, Multiply(sd, td))), tol);
     // L T L' with this matrix's lower triangle as L.
-    const Dense l = kxtesting::LowerOf(s);
+    const Dense l = ToDense(s, true);
     ASSERT_TRUE(s.ComputeLSLTrans(t, out));
-    EXPECT_LE(kxtesting::MaxAbsDiff(ToDense(out), Multiply(l, Multiply(td, kxtesting::Transpose(l)))),
+    EXPECT_LE(MaxAbsDiff(ToDense(out), Multiply(l, Multiply(td, Transpose(l)))),
               tol);
     ASSERT_TRUE(self.ComputeSTransS(self));  // products may write over their operand
-    EXPECT_LE(kxtesting::MaxAbsDiff(ToDense(self), Multiply(sd, sd)), tol);
+    EXPECT_LE(MaxAbsDiff(ToDense(self), Multiply(sd, sd)), tol);
     const Dense st = Multiply(sd, td), stu = Multiply(st, ud);
     double trace = 0.0, trST = 0.0, trSTU = 0.0;
     for (int i = 0; i < n; ++i) trace += sd(i, i), trST += st(i, i), trSTU += stu(i, i);
