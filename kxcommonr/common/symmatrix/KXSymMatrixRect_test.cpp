@@ -10,8 +10,8 @@
 
 #include "kxcommonr/common/rectmatrix/KXRectMatrix.h"
 #include "kxcommonr/common/symmatrix/KXSymMatrix.h"
-#include "kxcommonr/testing/DenseTestUtil.h"
 #include "kxcommonr/testing/RectMatrixTestUtil.h"
+#include "kxcommonr/testing/SymMatrixTestUtil.h"
 
 namespace KXCommon {
 namespace {
@@ -40,19 +40,11 @@ std::vector<double> Multiply(int m, int k, int n, A a, B b) {
   return c;
 }
 
-// The full square form of s, row-major, element by element.
-std::vector<double> Square(const KXSymMatrix& s) {
-  const int n = s.GetNRows();
-  std::vector<double> full;
-  for (int q = 0; q < n * n; ++q) full.push_back(s.GetElem(q / n, q % n));
-  return full;
-}
-
 // The lower triangle, row by row, of the n x n row-major matrix full.
 std::vector<double> Lower(const std::vector<double>& full, int n) {
-  std::vector<double> packed;
-  for (int i = 0; i < n; ++i) packed.insert(packed.end(), full.begin() + i * n, full.begin() + i * n + i + 1);
-  return packed;
+  kxtesting::Dense d(static_cast<std::size_t>(n));
+  d.a = full;
+  return kxtesting::ToPacked(d);
 }
 
 // A block of cases gives the matrix that the same cases give one by one
@@ -110,7 +102,7 @@ TEST(KXSymMatrixRectTest, ProductsMatchPlainLoops) {
       ASSERT_TRUE(rrt.ComputeRByRTrans(r) && rtr.ComputeRTransByR(r));
       EXPECT_EQ(rsOut.GetData(), rs);
       EXPECT_EQ(stOut.GetData(), Multiply(n, n, n, sAt, [&](int i, int j) { return t.GetElem(i, j); }));
-      EXPECT_EQ(full.GetData(), Square(s));
+      EXPECT_EQ(full.GetData(), kxtesting::ToDense(s).a);
       EXPECT_EQ(rsr.GetData(),
                 Lower(Multiply(m, n, m, [&](int i, int p) { return rs[i * n + p]; }, rtAt), m));
       EXPECT_EQ(qsq.GetData(), Lower(Multiply(m, n, m, [&](int i, int p) { return q.GetElem(p, i); },
