@@ -127,10 +127,12 @@ TEST(KXSymMatrixProducts, VectorProductsAndFormsAgainstDense) {
         vsv += v[i] * d(i, j) * v[j];
         if (i < k && j < k) leadVsw += v[i] * d(i, j) * w[j];
       }
-      EXPECT_EQ((std::vector<double>{sv[i], lv[i], ltv[i], i < k ? lead[i] : leading, s.ComputeRVD(i, v, 1),
-                                     s.ComputeRVD(i, strided, 2), s.ComputeRowDotProductS(i, t, 0),
-                                     s.ComputeDotProduct2Rows(i, n - 1)}),
-                (std::vector<double>{full, lower, upper, leading, full, full, rowDot, selfDot}));
+      EXPECT_EQ((std::vector<double>{sv[i], lv[i], ltv[i], s.ComputeRVD(i, v, 1), s.ComputeRVD(i, strided, 2),
+                                     s.ComputeRowDotProductS(i, t, 0), s.ComputeDotProduct2Rows(i, n - 1)}),
+                (std::vector<double>{full, lower, upper, full, full, rowDot, selfDot}));
+      if (i < k) {
+        EXPECT_EQ(lead[i], leading);
+      }
     }
     // The input vector may also receive the result.
     for (auto product : {&KXSymMatrix::ComputeLV, &KXSymMatrix::ComputeLTransV}) {
