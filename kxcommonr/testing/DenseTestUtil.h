@@ -2,14 +2,14 @@
 //
 // Test helpers for packed triangles and symmetric matrices, independent of
 // the library: a plain dense square matrix to compute expected results with,
-// seeded random fills (symmetric, positive definite, cross products with
-// known dependent rows), and a row-by-row walk between a dense matrix and
-// its packed lower triangle that does not use the library's index helpers.
+// seeded random fills, and a row-by-row walk between a dense matrix and its
+// packed lower triangle that does not use the library's index helpers.
 #ifndef KXCOMMONR_TESTING_DENSETESTUTIL_H
 #define KXCOMMONR_TESTING_DENSETESTUTIL_H
 
 #include <cmath>
 #include <cstddef>
+#include <cstring>
 #include <random>
 #include <vector>
 
@@ -24,6 +24,12 @@ struct Dense {
   double operator()(std::size_t i, std::size_t j) const { return a[i * n + j]; }
 };
 
+// Same size and the same bits in every element (NaNs and signed zeros count).
+inline bool Identical(const std::vector<double>& x, const std::vector<double>& y) {
+  return x.size() == y.size() &&
+         (x.empty() || std::memcmp(x.data(), y.data(), x.size() * sizeof(double)) == 0);
+}
+
 // Random symmetric dense matrix with entries in [-1, 1), a fixed seed.
 inline Dense RandomSymmetric(std::size_t n, unsigned seed) {
   std::mt19937_64 engine(seed);
@@ -35,20 +41,15 @@ inline Dense RandomSymmetric(std::size_t n, unsigned seed) {
 }
 
 // Random vector in [-1, 1); about zeroShare of its elements are exactly 0.
-inline std::vector<double> RandomVector(std::size_t n, unsigned seed,
-                                        double zeroShare = 0.0) {
+inline std::vector<double> RandomVector(std::size_t n, unsigned seed, double zeroShare = 0.0) {
   std::mt19937_64 engine(seed);
   std::uniform_real_distribution<double> uniform(-1.0, 1.0);
   std::vector<double> v(n);
-  for (double& x : v) {
-    const double u = uniform(engine);
-    x = (u + 1.0) / 2.0 < zeroShare ? 0.0 : uniform(engine);
-  }
+  for (double& x : v) x = (uniform(engine) + 1.0) / 2.0 < zeroShare ? 0.0 : uniform(engine);
   return v;
 }
 
-// Random symmetric positive definite matrix B B' / p + shift I, with B of
-// order n x p, p = n + 3 (well conditioned).
+// Random positive definite matrix B B' / p + shift I, B of order n x (n + 3).
 inline Dense RandomSpd(std::size_t n, unsigned seed, double shift = 0.1) {
   std::mt19937_64 engine(seed);
   std::uniform_real_distribution<double> uniform(-1.0, 1.0);
@@ -67,16 +68,15 @@ inline Dense RandomSpd(std::size_t n, unsigned seed, double shift = 0.1) {
 
 // Cross products X'X of 3p + 5 cases whose columns listed in `dependent`
 // (each >= 1) are exact combinations of earlier columns (small integers, so
-// every product is exact): those rows, and only those, are linearly
-// dependent on the rows before them.
+// every product is exact): those rows, and only those, depend on the rows
+// before them.
 inline Dense DependentCrossProducts(std::size_t p, const std::vector<std::size_t>& dependent,
                                     unsigned seed) {
   std::mt19937_64 engine(seed);
   std::uniform_int_distribution<int> digit(-4, 4);
-  const std::size_t cases = 3 * p + 5;
   std::vector<double> row(p);
   Dense a(p);
-  for (std::size_t c = 0; c < cases; ++c) {
+  for (std::size_t c = 0; c < 3 * p + 5; ++c) {
     for (std::size_t j = 0; j < p; ++j) row[j] = digit(engine);
     for (std::size_t j : dependent) row[j] = row[j - 1] - 2.0 * row[j / 2];
     for (std::size_t i = 0; i < p; ++i)
@@ -85,14 +85,12 @@ inline Dense DependentCrossProducts(std::size_t p, const std::vector<std::size_t
   return a;
 }
 
-// The Hilbert matrix 1 / (i + j + 1), famously ill conditioned.
+// The Hilbert matrix 1 / (i + j + 1), famously ill conditioned; the identity.
 inline Dense Hilbert(std::size_t n) {
   Dense h(n);
-  for (std::size_t i = 0; i < n; ++i)
-    for (std::size_t j = 0; j < n; ++j) h(i, j) = 1.0 / static_cast<double>(i + j + 1);
+  for (std::size_t q = 0; q < n * n; ++q) h.a[q] = 1.0 / static_cast<double>(q / n + q % n + 1);
   return h;
 }
-
 inline Dense Identity(std::size_t n) {
   Dense e(n);
   for (std::size_t i = 0; i < n; ++i) e(i, i) = 1.0;
@@ -119,19 +117,17 @@ inline Dense Multiply(const Dense& x, const Dense& y) {
 
 inline Dense Transpose(const Dense& x) {
   Dense t(x.n);
-  for (std::size_t i = 0; i < x.n; ++i)
-    for (std::size_t j = 0; j < x.n; ++j) t(i, j) = x(j, i);
+  for (std::size_t q = 0; q < x.n * x.n; ++q) t.a[q] = x(q % x.n, q / x.n);
   return t;
 }
 
-// Largest absolute element.
+// Largest absolute element; largest absolute difference (infinite for
+// different orders).
 inline double MaxAbs(const Dense& x) {
   double m = 0.0;
   for (double v : x.a) m = std::fmax(m, std::fabs(v));
   return m;
 }
-
-// Largest absolute elementwise difference (infinite for different orders).
 inline double MaxAbsDiff(const Dense& x, const Dense& y) {
   double worst = x.n == y.n ? 0.0 : INFINITY;
   for (std::size_t k = 0; k < x.a.size() && x.n == y.n; ++k)
@@ -147,22 +143,17 @@ inline std::vector<double> ToPacked(const Dense& d) {
   return packed;
 }
 
-// The lower-triangular matrix whose packed triangle of order n is given
-// (zeros above the diagonal).
-inline Dense LowerFromPacked(const std::vector<double>& packed, std::size_t n) {
+// The matrix of order n whose packed lower triangle is given: lower
+// triangular (zeros above the diagonal), or symmetric.
+inline Dense FromPacked(const std::vector<double>& packed, std::size_t n, bool symmetric) {
   Dense l(n);
   std::size_t k = 0;
   for (std::size_t i = 0; i < n; ++i)
-    for (std::size_t j = 0; j <= i; ++j) l(i, j) = packed[k++];
+    for (std::size_t j = 0; j <= i; ++j, ++k) {
+      l(i, j) = packed[k];
+      if (symmetric) l(j, i) = packed[k];
+    }
   return l;
-}
-
-// The symmetric matrix whose packed lower triangle of order n is given.
-inline Dense SymmetricFromPacked(const std::vector<double>& packed, std::size_t n) {
-  Dense s = LowerFromPacked(packed, n);
-  for (std::size_t i = 0; i < n; ++i)
-    for (std::size_t j = 0; j < i; ++j) s(j, i) = s(i, j);
-  return s;
 }
 
 }  // namespace kxtesting

@@ -1,13 +1,15 @@
 // kxcommonr/testing/RectMatrixTestUtil.h
 //
-// Test helpers for the rectangular matrices: seeded random fills and a
-// matrix written row by row through SetElem.
+// Test helpers for the rectangular matrices: seeded random fills, a
+// matrix written row by row through SetElem, and a bit set as text.
 #ifndef KXCOMMONR_TESTING_RECTMATRIXTESTUTIL_H
 #define KXCOMMONR_TESTING_RECTMATRIXTESTUTIL_H
 
 #include <random>
+#include <string>
 #include <vector>
 
+#include "kxcommonr/common/containers/KXBitSet.h"
 #include "kxcommonr/common/rectmatrix/KXRectMatrix.h"
 
 namespace kxtesting {
@@ -26,6 +28,13 @@ inline KXCommon::KXRectMatrix FromRows(const std::vector<std::vector<double>>& r
   for (int i = 0; i < m.GetNRows(); ++i)
     for (int j = 0; j < m.GetNCols(); ++j) m.SetElem(i, j, rows[i][j]);
   return m;
+}
+
+// The set's bits as '0' and '1', position 0 first.
+inline std::string Bits(const KXCommon::KXBitSet& set) {
+  std::string bits;
+  for (int i = 0; i < set.Size(); ++i) bits += set.IsIn(i) ? '1' : '0';
+  return bits;
 }
 
 }  // namespace kxtesting

@@ -51,7 +51,7 @@ using Vec = std::vector<double>;
 const double kInf = std::numeric_limits<double>::infinity();
 const double kNaN = std::numeric_limits<double>::quiet_NaN();
 
-using kxtesting::FromPacked;
+using kxtesting::SymFromPacked;
 
 std::string Shown(const KXRandomValues& v) {
   kxtesting::DisplayCapture capture;
@@ -83,7 +83,7 @@ struct Drawing {
 // Every refused call leaves the object as it was (its display, which shows
 // every parameter, and its next draws).
 TEST(KXRandomValuesTest, SettersRefuseInvalidParametersAndChangeNothing) {
-  const KXSymMatrix pd = FromPacked(2, {2, 0.5, 1});
+  const KXSymMatrix pd = SymFromPacked(2, {2, 0.5, 1});
   const std::vector<std::function<bool(KXRandomValues&)>> refused = {
       [](KXRandomValues& v) { return v.SetParamUniform(1, 1); },
       [](KXRandomValues& v) { return v.SetParamUniform(2, 1); },
@@ -108,12 +108,12 @@ TEST(KXRandomValuesTest, SettersRefuseInvalidParametersAndChangeNothing) {
       [&](KXRandomValues& v) { return v.SetParamNormal({0, kNaN}, 1e-12, pd); },
       [&](KXRandomValues& v) { return v.SetParamNormal({0, 0}, -1, pd); },
       [&](KXRandomValues& v) { return v.SetParamNormal({0, 0}, 1, pd); },
-      [](KXRandomValues& v) { return v.SetParamNormal({0, 0}, 1e-12, FromPacked(2, {0, 1, 0})); },
-      [](KXRandomValues& v) { return v.SetParamNormal({0, 0}, 1e-12, FromPacked(2, {1, 2, 1})); },
-      [](KXRandomValues& v) { return v.SetParamNormal({0, 0}, 1e-12, FromPacked(2, {-1, 0, 1})); },
-      [](KXRandomValues& v) { return v.SetParamNormal({0, 0}, 1e-12, FromPacked(2, {1, 1 + 1e-5, 1})); },
-      [](KXRandomValues& v) { return v.SetParamNormal({0, 0}, 1e-12, FromPacked(2, {1, kInf, 1})); },
-      [](KXRandomValues& v) { return v.SetParamWishart(2, 3, FromPacked(2, {1, 0, -1})); },
+      [](KXRandomValues& v) { return v.SetParamNormal({0, 0}, 1e-12, SymFromPacked(2, {0, 1, 0})); },
+      [](KXRandomValues& v) { return v.SetParamNormal({0, 0}, 1e-12, SymFromPacked(2, {1, 2, 1})); },
+      [](KXRandomValues& v) { return v.SetParamNormal({0, 0}, 1e-12, SymFromPacked(2, {-1, 0, 1})); },
+      [](KXRandomValues& v) { return v.SetParamNormal({0, 0}, 1e-12, SymFromPacked(2, {1, 1 + 1e-5, 1})); },
+      [](KXRandomValues& v) { return v.SetParamNormal({0, 0}, 1e-12, SymFromPacked(2, {1, kInf, 1})); },
+      [](KXRandomValues& v) { return v.SetParamWishart(2, 3, SymFromPacked(2, {1, 0, -1})); },
       [](KXRandomValues& v) { return v.SetTolerance(1); },
       [](KXRandomValues& v) { return v.SetTolerance(kNaN); },
   };
@@ -130,8 +130,8 @@ TEST(KXRandomValuesTest, SettersRefuseInvalidParametersAndChangeNothing) {
   // Accepted: a singular covariance within the tolerance, and a covariance
   // whose factor gives it back within sqrt(tol).
   KXRandomValues v;
-  EXPECT_TRUE(v.SetParamNormal({0, 0, 0}, 1e-10, FromPacked(3, {1, 1, 1, 0, 0, 0})));
-  EXPECT_TRUE(v.SetParamNormal({0, 0}, 1e-8, FromPacked(2, {1, 1 + 1e-5, 1})));
+  EXPECT_TRUE(v.SetParamNormal({0, 0, 0}, 1e-10, SymFromPacked(3, {1, 1, 1, 0, 0, 0})));
+  EXPECT_TRUE(v.SetParamNormal({0, 0}, 1e-8, SymFromPacked(2, {1, 1 + 1e-5, 1})));
   EXPECT_TRUE(v.SetParamWishart(2, 2));
   EXPECT_TRUE(v.SetTolerance(0.0));
   EXPECT_EQ(v.GetTolerance(), 0.0);
@@ -153,9 +153,9 @@ TEST(KXRandomValuesTest, EachDistributionAllowsItsDraws) {
       {[](KXRandomValues& v) { return v.SetParamUniform(4); }, 0, 4, false, true},
       {[](KXRandomValues& v) { return v.SetParamUniform({0, 1}, {1, 2}); }, 0, 2, false, false},
       {[](KXRandomValues& v) { return v.SetParamNormal(3); }, 1, 3, false, true},
-      {[](KXRandomValues& v) { return v.SetParamNormal({0, 1}, 0, FromPacked(2, {1, 0, 1})); }, 1, 2, false, false},
+      {[](KXRandomValues& v) { return v.SetParamNormal({0, 1}, 0, SymFromPacked(2, {1, 0, 1})); }, 1, 2, false, false},
       {[](KXRandomValues& v) { return v.SetParamWishart(2, 3); }, 3, 2, false, true},
-      {[](KXRandomValues& v) { return v.SetParamWishart(2, 3, FromPacked(2, {1, 0, 1})); }, 3, 2, false, false},
+      {[](KXRandomValues& v) { return v.SetParamWishart(2, 3, SymFromPacked(2, {1, 0, 1})); }, 3, 2, false, false},
   };
   for (std::size_t k = 0; k < cases.size(); ++k) {
     const Case& c = cases[k];
@@ -236,9 +236,9 @@ TEST(KXRandomValuesTest, Display) {
   const std::vector<std::pair<std::function<bool(KXRandomValues&)>, std::string>> shown = {
       {[](KXRandomValues& x) { return x.SetParamUniform(2, 3); }, "\nLower bound = 2\nUpper bound = 3\n"},
       {[](KXRandomValues& x) { return x.SetParamUniform(Vec{0}, Vec{2}); }, "\nUpper bound (size = 1)\n  2\n"},
-      {[](KXRandomValues& x) { return x.SetParamNormal({5}, 0, FromPacked(1, {2})); }, "\nMean (size = 1)\n  5\nVariance\n"},
+      {[](KXRandomValues& x) { return x.SetParamNormal({5}, 0, SymFromPacked(1, {2})); }, "\nMean (size = 1)\n  5\nVariance\n"},
       {[](KXRandomValues& x) { return x.SetParamChi(4); }, "\nDegrees of freedom = 4\n"},
-      {[](KXRandomValues& x) { return x.SetParamWishart(2, 3, FromPacked(2, {1, 0.5, 2})); },
+      {[](KXRandomValues& x) { return x.SetParamWishart(2, 3, SymFromPacked(2, {1, 0.5, 2})); },
        "\nDegrees of freedom = 3\nScale\nKXSymMatrixData display start"}};
   for (const auto& entry : shown) {
     ASSERT_TRUE(entry.first(v));
@@ -257,10 +257,10 @@ bool SetByLabel(KXRandomValues& v, const std::string& label) {
   if (label == "normal_3_4") return v.SetParamNormal(3, 4);
   if (label == "uniform_vec") return v.SetParamUniform({0, -1, 10}, {1, 1, 20});
   if (label == "normal_vec") return v.SetParamNormal(3);
-  if (label == "mvn") return v.SetParamNormal({1, 2, 3}, 1e-12, FromPacked(3, {4, 1, 2, -0.5, 0.3, 1.5}));
-  if (label == "mvn_singular") return v.SetParamNormal({0, 0, 0}, 1e-10, FromPacked(3, {1, 1, 1, 0, 0, 2}));
+  if (label == "mvn") return v.SetParamNormal({1, 2, 3}, 1e-12, SymFromPacked(3, {4, 1, 2, -0.5, 0.3, 1.5}));
+  if (label == "mvn_singular") return v.SetParamNormal({0, 0, 0}, 1e-10, SymFromPacked(3, {1, 1, 1, 0, 0, 2}));
   if (label == "wishart") return v.SetParamWishart(3, 5.5);
-  if (label == "wishart_scale") return v.SetParamWishart(2, 4, FromPacked(2, {2, 0.5, 1}));
+  if (label == "wishart_scale") return v.SetParamWishart(2, 4, SymFromPacked(2, {2, 0.5, 1}));
   return false;
 }
 
@@ -355,7 +355,7 @@ TEST(KXRandomValuesTest, VectorAndMatrixMoments) {
   KXRandomValues v;
   v.SetSeed(202);
   Vec x;
-  const KXSymMatrix cov = FromPacked(3, {4, 1, 2, -0.5, 0.3, 1.5});
+  const KXSymMatrix cov = SymFromPacked(3, {4, 1, 2, -0.5, 0.3, 1.5});
   const Vec mu = {1, -2, 0.5};
   ASSERT_TRUE(v.SetParamNormal(mu, 1e-12, cov));
   Vec mean(3, 0.0), cross(6, 0.0);
@@ -379,11 +379,11 @@ TEST(KXRandomValuesTest, VectorAndMatrixMoments) {
     }
   }
 
-  const KXSymMatrix scale = FromPacked(3, {2, 0.5, 1, -0.3, 0.2, 0.5});
+  const KXSymMatrix scale = SymFromPacked(3, {2, 0.5, 1, -0.3, 0.2, 0.5});
   for (const bool identity : {true, false}) {
     const double df = 6.5;
     ASSERT_TRUE(identity ? v.SetParamWishart(3, df) : v.SetParamWishart(3, df, scale));
-    const KXSymMatrix s = identity ? FromPacked(3, {1, 0, 1, 0, 0, 1}) : scale;
+    const KXSymMatrix s = identity ? SymFromPacked(3, {1, 0, 1, 0, 0, 1}) : scale;
     Vec total(6, 0.0);
     KXSymMatrix w;
     for (int k = 0; k < n / 4; ++k) {

@@ -5,16 +5,18 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <random>
 #include <string>
 #include <vector>
 
 #include "kxcommonr/common/packed/KXPackedLayout.h"
+#include "kxcommonr/testing/DenseTestUtil.h"
 
 namespace KXCommon {
 namespace internal {
 namespace {
+
+using kxtesting::Identical;
 
 struct PathGuard {
   ~PathGuard() { SelectDenseKernelPath(nullptr); }
@@ -25,10 +27,6 @@ std::vector<double> Random(std::size_t count, std::mt19937_64& gen) {
   std::vector<double> v(count);
   for (double& x : v) x = uniform(gen);
   return v;
-}
-
-bool SameBits(const std::vector<double>& a, const std::vector<double>& b) {
-  return a.size() == b.size() && (a.empty() || std::memcmp(a.data(), b.data(), a.size() * sizeof(double)) == 0);
 }
 
 TEST(KXDenseKernelsTest, EveryPathEqualsThePlainLoop) {
@@ -50,14 +48,11 @@ TEST(KXDenseKernelsTest, EveryPathEqualsThePlainLoop) {
       const std::vector<double> b = Random(static_cast<std::size_t>(k) * n, gen);
       std::vector<double> c = Random(static_cast<std::size_t>(m) * n, gen);
       std::vector<double> expect(c);
-      for (int i = 0; i < m; ++i)
-        for (int j = 0; j < n; ++j)
-          for (int p = 0; p < k; ++p) {
-            const double product = aT[static_cast<std::size_t>(p) * m + i] * b[static_cast<std::size_t>(p) * n + j];
-            expect[static_cast<std::size_t>(i) * n + j] = expect[static_cast<std::size_t>(i) * n + j] + product;
-          }
+      for (std::size_t i = 0; i < std::size_t(m); ++i)
+        for (std::size_t j = 0; j < std::size_t(n); ++j)
+          for (std::size_t p = 0; p < std::size_t(k); ++p) expect[i * n + j] += aT[p * m + i] * b[p * n + j];
       GemmAccumulate(m, n, k, StridedView{aT.data(), 1, m}, StridedView{b.data(), n, 1}, c.data(), n);
-      EXPECT_TRUE(SameBits(c, expect)) << path << " gemm " << m << "x" << n << "x" << k;
+      EXPECT_TRUE(Identical(c, expect)) << path << " gemm " << m << "x" << n << "x" << k;
 
       // Packed lower triangle of order n, with a scale on the a side and
       // without (then a and b are views of one matrix, which the kernels
@@ -66,17 +61,13 @@ TEST(KXDenseKernelsTest, EveryPathEqualsThePlainLoop) {
         std::vector<double> packed = Random(KXPacked::Size(n), gen);
         std::vector<double> expectPacked(packed);
         const std::vector<double> x = Random(static_cast<std::size_t>(k) * n, gen);
-        for (int i = 0; i < n; ++i)
-          for (int j = 0; j <= i; ++j)
-            for (int p = 0; p < k; ++p) {
-              const double weighted = x[static_cast<std::size_t>(p) * n + i] * scale;
-              const double product = weighted * x[static_cast<std::size_t>(p) * n + j];
-              double& target = expectPacked[KXPacked::Index(i, j)];
-              target = target + product;
-            }
+        for (std::size_t i = 0; i < std::size_t(n); ++i)
+          for (std::size_t j = 0; j <= i; ++j)
+            for (std::size_t p = 0; p < std::size_t(k); ++p)
+              expectPacked[KXPacked::Index(i, j)] += (x[p * n + i] * scale) * x[p * n + j];
         PackedLowerAccumulate(n, k, StridedView{x.data(), 1, n}, scale, StridedView{x.data(), n, 1},
                               packed.data());
-        EXPECT_TRUE(SameBits(packed, expectPacked)) << path << " packed " << n << "x" << k << " scale " << scale;
+        EXPECT_TRUE(Identical(packed, expectPacked)) << path << " packed " << n << "x" << k << " scale " << scale;
       }
     }
   }

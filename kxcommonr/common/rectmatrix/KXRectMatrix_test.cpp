@@ -1,6 +1,7 @@
-// Tests of KXRectMatrix storage, editing and products. Products are checked
-// against plain triple loops: the library accumulates each output in the
-// same index order, so the comparison is exact.
+// Tests of KXRectMatrix storage, editing and products. Edits are checked on
+// small integer matrices against the whole expected element vector;
+// products against plain triple loops: the library accumulates each output
+// in the same index order, so the comparison is exact.
 #include "kxcommonr/common/rectmatrix/KXRectMatrix.h"
 
 #include <gtest/gtest.h>
@@ -20,54 +21,49 @@ namespace {
 
 using kxtesting::FromRows;
 using kxtesting::RandomMatrix;
-using kxtesting::SameBits;
+using V = std::vector<double>;
 
-TEST(KXRectMatrixTest, RowMajorLayoutAndRangeChecks) {
-  KXRectMatrix m(2, 3);
-  for (int q = 0; q < 6; ++q) m.AsVector()[q] = q;
-  EXPECT_EQ(m.GetElem(0, 2), 2.0);
-  EXPECT_EQ(m.GetElem(1, 0), 3.0);
-  const double* column = m.GetColPtr(1);
-  ASSERT_NE(column, nullptr);
-  EXPECT_EQ(column[0], m.GetElem(0, 1));
-  EXPECT_EQ(column[3], m.GetElem(1, 1));
-  EXPECT_TRUE(KXMV::IsMissing(m.GetElem(0, 3)));
-  EXPECT_TRUE(KXMV::IsMissing(m.GetElem(-1, 0)));
-  EXPECT_EQ(m.GetRowPtr(2), nullptr);
-  EXPECT_EQ(m.GetColPtr(3), nullptr);
-  EXPECT_FALSE(m.SetElem(2, 0, 1.0));
-  std::vector<double> out{9.0};
-  EXPECT_FALSE(m.GetCol(3, out));
-  EXPECT_EQ(out, std::vector<double>{9.0});
-  ASSERT_TRUE(m.GetCol(2, out));
-  EXPECT_EQ(out, (std::vector<double>{2.0, 5.0}));
-  KXRectMatrix negative(-3, 4);
-  EXPECT_EQ(negative.GetNRows(), 0);
-  EXPECT_TRUE(negative.GetData().empty());
+KXBitSet SetOf(int size, std::initializer_list<int> bits) {
+  KXBitSet set(size);
+  for (int b : bits) set.Set(b, true);
+  return set;
 }
 
-TEST(KXRectMatrixTest, ShapeChangesKeepElementsInPlace) {
-  KXRectMatrix m = FromRows({{1, 2, 3}, {4, 5, 6}});
+TEST(KXRectMatrixTest, RowMajorLayoutShapesAndRangeChecks) {
+  KXRectMatrix m(2, 3);
+  for (int q = 0; q < 6; ++q) m.AsVector()[q] = q;
+  EXPECT_EQ(m.GetElem(0, 2) + 10 * m.GetElem(1, 0), 32.0);
+  const double* column = m.GetColPtr(1);
+  ASSERT_NE(column, nullptr);
+  EXPECT_EQ(column[0] + 10 * column[3], 41.0);  // (0, 1) and (1, 1)
+  EXPECT_TRUE(KXMV::IsMissing(m.GetElem(0, 3)) && KXMV::IsMissing(m.GetElem(-1, 0)));
+  EXPECT_TRUE(m.GetRowPtr(2) == nullptr && m.GetColPtr(3) == nullptr);
+  V out{9.0};
+  EXPECT_FALSE(m.SetElem(2, 0, 1.0) || m.GetCol(3, out));
+  EXPECT_EQ(out, V{9.0});
+  ASSERT_TRUE(m.GetCol(2, out));
+  EXPECT_EQ(out, (V{2.0, 5.0}));
+  EXPECT_EQ(KXRectMatrix(-3, 4).GetNRows(), 0);
+  EXPECT_TRUE(KXRectMatrix(-3, 4).GetData().empty());
+
+  m = FromRows({{1, 2, 3}, {4, 5, 6}});
   ASSERT_TRUE(m.Resize(3, 2));
-  EXPECT_EQ(m.GetData(), (std::vector<double>{1, 2, 4, 5, 0, 0}));
+  EXPECT_EQ(m.GetData(), (V{1, 2, 4, 5, 0, 0}));
   EXPECT_EQ(m.AddColumn(), 3);
-  EXPECT_EQ(m.GetElem(1, 1), 5.0);
-  EXPECT_EQ(m.GetElem(1, 2), 0.0);
   EXPECT_EQ(m.AddRow(), 4);
+  EXPECT_EQ(m.GetData(), (V{1, 2, 0, 4, 5, 0, 0, 0, 0, 0, 0, 0}));
   EXPECT_FALSE(m.Resize(-1, 2));
   EXPECT_EQ(m.GetNRows(), 4);
-
   std::mt19937_64 gen(7);
-  KXRectMatrix r = RandomMatrix(5, 3, gen);
+  const KXRectMatrix r = RandomMatrix(5, 3, gen);
   KXRectMatrix t(r);
   ASSERT_TRUE(t.Transpose());
   ASSERT_EQ(t.GetNRows(), 3);
-  for (int i = 0; i < 5; ++i)
-    for (int j = 0; j < 3; ++j) EXPECT_EQ(t.GetElem(j, i), r.GetElem(i, j));
+  for (int q = 0; q < 15; ++q) EXPECT_EQ(t.GetElem(q % 3, q / 3), r.GetElem(q / 3, q % 3));
   ASSERT_TRUE(t.Transpose());
   EXPECT_EQ(t.GetData(), r.GetData());
   ASSERT_TRUE(t.SetNRowsCols(2, 2));
-  EXPECT_EQ(t.GetData(), std::vector<double>(4, 0.0));
+  EXPECT_EQ(t.GetData(), V(4, 0.0));
 }
 
 TEST(KXRectMatrixTest, ColumnAndRowEdits) {
@@ -75,24 +71,18 @@ TEST(KXRectMatrixTest, ColumnAndRowEdits) {
   EXPECT_DOUBLE_EQ(m.RowNorm(0), 5.0);
   EXPECT_TRUE(KXMV::IsMissing(m.ColNorm(3)));
   EXPECT_TRUE(m.IsRowZero(1));
-  EXPECT_FALSE(m.IsColZero(1));
-  EXPECT_FALSE(m.IsRowZero(7));
+  EXPECT_FALSE(m.IsColZero(1) || m.IsRowZero(7));
   ASSERT_TRUE(m.ColClean(0, 1e-9));
   EXPECT_EQ(m.GetElem(2, 0), 0.0);
   EXPECT_EQ(m.FindFirstNonZeroInRow(2, 0.6), 1);
   EXPECT_EQ(m.FindFirstNonZeroInRow(1, 0.0), -1);
   ASSERT_TRUE(m.AddToColumn(1, m, 2, 2.0));
-  EXPECT_EQ(m.GetElem(0, 1), 8.0);
-  EXPECT_EQ(m.GetElem(2, 1), 4.0);
   EXPECT_FALSE(m.ZeroOutRowPart(0, 2, 1));
   ASSERT_TRUE(m.ZeroOutRowPart(0, 1, 2));
-  EXPECT_EQ(m.GetElem(0, 0), 3.0);
-  EXPECT_EQ(m.GetElem(0, 2), 0.0);
-
-  KXBitSet cols(3);
-  cols.Set(0, true);
-  cols.Set(2, true);
+  EXPECT_EQ(m.GetData(), (V{3, 0, 0, 0, 0, 0, 0, 4, 1}));
   int col = 99;
+  const KXBitSet cols = SetOf(3, {0, 2});
+  ASSERT_TRUE(m.SetElem(0, 1, 8.0));
   EXPECT_TRUE(m.IsRowZeroButOne(0, cols, col));  // column 1 is outside the set
   EXPECT_EQ(col, 0);
   EXPECT_FALSE(m.IsRowZeroButOne(1, cols, col));
@@ -100,103 +90,66 @@ TEST(KXRectMatrixTest, ColumnAndRowEdits) {
 
   KXRectMatrix codes = FromRows({{0.9999999, -1.0000001, 0.5}});
   EXPECT_EQ(codes.CheckForOnes(1e-6), 2);
-  EXPECT_EQ(codes.GetData(), (std::vector<double>{1.0, -1.0, 0.5}));
+  EXPECT_EQ(codes.GetData(), (V{1.0, -1.0, 0.5}));
   EXPECT_EQ(codes.CheckForOnes(-1.0), -1);
-}
 
-TEST(KXRectMatrixTest, PivotStepClearsThePivotColumn) {
-  KXRectMatrix m = FromRows({{1, 2, 3}, {2, -8, 1}, {0, 1, 1}});
-  const KXRectMatrix before(m);
+  // A Gauss-Jordan step: the pivot row divided by its largest element, the
+  // pivot column cleared from every other row by a row operation.
+  KXRectMatrix g = FromRows({{1, 2, 3}, {2, -8, 1}, {0, 1, 1}});
   int pivot = -1;
-  ASSERT_TRUE(m.ZeroOutPivotRow(1, 1e-12, pivot));
+  ASSERT_TRUE(g.ZeroOutPivotRow(1, 1e-12, pivot));
   EXPECT_EQ(pivot, 1);
-  EXPECT_EQ(m.GetElem(1, 1), 1.0);
-  EXPECT_EQ(m.GetElem(0, 1), 0.0);
-  EXPECT_EQ(m.GetElem(2, 1), 0.0);
-  // Row 0 is row 0 minus twice the scaled pivot row (a row operation).
-  // Every other row lost its pivot-column share of the old pivot row.
-  for (int r : {0, 2})
-    for (int j = 0; j < 3; ++j) {
-      const double share = before.GetElem(r, 1) / before.GetElem(1, 1);
-      EXPECT_NEAR(m.GetElem(r, j), before.GetElem(r, j) - share * before.GetElem(1, j), 1e-14);
-    }
-  KXRectMatrix zero(2, 2);
-  EXPECT_FALSE(zero.ZeroOutPivotRow(0, 0.0, pivot));
+  const V expected = {1.5, 0, 3.25, -0.25, 1, -0.125, 0.25, 0, 1.125};
+  for (int q = 0; q < 9; ++q) EXPECT_NEAR(g.GetData()[q], expected[q], 1e-15) << q;
+  EXPECT_EQ(g.GetElem(0, 1) + g.GetElem(2, 1), 0.0);
+  EXPECT_FALSE(KXRectMatrix(2, 2).ZeroOutPivotRow(0, 0.0, pivot));
   EXPECT_EQ(pivot, 1);
 }
 
 TEST(KXRectMatrixTest, CopiesExtractionAndExpansion) {
-  std::mt19937_64 gen(3);
-  KXRectMatrix m = RandomMatrix(4, 3, gen);
-  KXRectMatrix cols;
-  ASSERT_EQ(m.ExtractColumns({2, 0, 2}, cols), 3);
-  for (int i = 0; i < 4; ++i) {
-    EXPECT_EQ(cols.GetElem(i, 0), m.GetElem(i, 2));
-    EXPECT_EQ(cols.GetElem(i, 1), m.GetElem(i, 0));
-  }
-  KXRectMatrix untouched(1, 1);
+  const KXRectMatrix m = FromRows({{1, 2, 3}, {4, 5, 6}, {7, 8, 9}, {10, 11, 12}});
+  KXRectMatrix out, untouched(1, 1);
+  ASSERT_EQ(m.ExtractColumns({2, 0, 2}, out), 3);
+  EXPECT_EQ(out.GetData(), (V{3, 1, 3, 6, 4, 6, 9, 7, 9, 12, 10, 12}));
   EXPECT_EQ(m.ExtractRows({0, 4}, untouched), -1);
   EXPECT_EQ(untouched.GetNRows(), 1);
+  m.Expand(SetOf(6, {1, 2, 4, 5}), true, out);
+  EXPECT_EQ(out.GetData(), (V{0, 0, 0, 1, 2, 3, 4, 5, 6, 0, 0, 0, 7, 8, 9, 10, 11, 12}));
 
-  KXBitSet keep(6);
-  keep.Set(1, true);
-  keep.Set(2, true);
-  keep.Set(4, true);
-  keep.Set(5, true);
-  KXRectMatrix expanded;
-  m.Expand(keep, true, expanded);
-  ASSERT_EQ(expanded.GetNRows(), 6);
-  EXPECT_TRUE(expanded.IsRowZero(0));
-  EXPECT_TRUE(expanded.IsRowZero(3));
-  EXPECT_EQ(expanded.GetElem(4, 1), m.GetElem(2, 1));
-  EXPECT_EQ(expanded.GetElem(5, 2), m.GetElem(3, 2));
+  const KXRectMatrix square = FromRows({{1, 2}, {3, 4}});
+  ASSERT_TRUE(square.ExpandSquare(SetOf(3, {0, 2}), out));
+  EXPECT_EQ(out.GetData(), (V{1, 0, 2, 0, 0, 0, 3, 0, 4}));
+  EXPECT_FALSE(m.ExpandSquare(SetOf(6, {1, 2, 4, 5}), out));
+  ASSERT_TRUE(square.CreateBlockDiagonal(3, out));
+  ASSERT_EQ(out.GetNRows(), 6);
+  for (int q = 0; q < 36; ++q) {
+    const int i = q / 6, j = q % 6;
+    EXPECT_EQ(out.GetElem(i, j), i / 2 == j / 2 ? square.GetElem(i % 2, j % 2) : 0.0);
+  }
+  EXPECT_FALSE(square.CreateBlockDiagonal(0, out));
 
-  KXRectMatrix square = RandomMatrix(2, 2, gen);
-  KXBitSet where(3);
-  where.Set(0, true);
-  where.Set(2, true);
-  ASSERT_TRUE(square.ExpandSquare(where, expanded));
-  EXPECT_EQ(expanded.GetElem(2, 0), square.GetElem(1, 0));
-  EXPECT_EQ(expanded.GetElem(1, 1), 0.0);
-  EXPECT_FALSE(m.ExpandSquare(keep, expanded));
+  KXRectMatrix source(m);
+  ASSERT_TRUE(source.ShiftColumns(2, out));
+  EXPECT_EQ(out.GetData(), (V{0, 0, 1, 2, 3, 0, 0, 4, 5, 6, 0, 0, 7, 8, 9, 0, 0, 10, 11, 12}));
+  ASSERT_TRUE(source.ShiftRows(1, out));
+  EXPECT_EQ(out.GetData(), (V{0, 0, 0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12}));
+  EXPECT_FALSE(source.ShiftRows(-1, out));
 
-  KXRectMatrix block;
-  ASSERT_TRUE(square.CreateBlockDiagonal(3, block));
-  ASSERT_EQ(block.GetNRows(), 6);
-  EXPECT_EQ(block.GetElem(5, 4), square.GetElem(1, 0));
-  EXPECT_EQ(block.GetElem(5, 0), 0.0);
-  EXPECT_FALSE(square.CreateBlockDiagonal(0, block));
-
-  KXRectMatrix shifted;
-  ASSERT_TRUE(m.ShiftColumns(2, shifted));
-  EXPECT_EQ(shifted.GetNCols(), 5);
-  EXPECT_EQ(shifted.GetElem(3, 4), m.GetElem(3, 2));
-  EXPECT_TRUE(shifted.IsColZero(1));
-  ASSERT_TRUE(m.ShiftRows(1, shifted));
-  EXPECT_EQ(shifted.GetElem(4, 0), m.GetElem(3, 0));
-  EXPECT_FALSE(m.ShiftRows(-1, shifted));
-
-  KXRectMatrix target(3, 4);
+  KXRectMatrix target(3, 4), wide(4, 5);
   ASSERT_TRUE(m.CopyColToRow(1, target, 2));
-  EXPECT_EQ(target.GetElem(2, 3), m.GetElem(3, 1));
   EXPECT_FALSE(m.CopyColToRow(1, target, 3));
   ASSERT_TRUE(target.CopyRows(target, 2, 1, 0));
-  EXPECT_EQ(target.GetElem(0, 3), m.GetElem(3, 1));
-  KXRectMatrix wide(4, 5);
+  EXPECT_EQ(target.GetData(), (V{2, 5, 8, 11, 0, 0, 0, 0, 2, 5, 8, 11}));
   ASSERT_TRUE(wide.CopyColumns(m, 1, 2, 3));
-  EXPECT_EQ(wide.GetElem(2, 4), m.GetElem(2, 2));
   EXPECT_FALSE(wide.CopyColumns(m, 2, 2, 0));
+  EXPECT_EQ(wide.GetData(), (V{0, 0, 0, 2, 3, 0, 0, 0, 5, 6, 0, 0, 0, 8, 9, 0, 0, 0, 11, 12}));
 
-  std::vector<double> v(2, 1.0);
-  ASSERT_TRUE(m.IncrVecByColumn(0, v, 1, 1, 2.0, false) == false);  // too short
+  V v(2, 1.0);
+  EXPECT_FALSE(m.IncrVecByColumn(0, v, 1, 1, 2.0, false));  // too short
   v.assign(8, 1.0);
   ASSERT_TRUE(m.IncrVecByColumn(0, v, 1, 2, 2.0, false));
-  EXPECT_EQ(v[1], 1.0 + 2.0 * m.GetElem(0, 0));
-  EXPECT_EQ(v[7], 1.0 + 2.0 * m.GetElem(3, 0));
-  EXPECT_EQ(v[2], 1.0);
-  ASSERT_TRUE(m.CopyColToVec(2, v, 6));
-  EXPECT_EQ(v.size(), 10u);
-  EXPECT_EQ(v[9], m.GetElem(3, 2));
+  ASSERT_TRUE(m.CopyColToVec(2, v, 6));  // grows v
+  EXPECT_EQ(v, (V{1, 3, 1, 9, 1, 15, 3, 6, 9, 12}));
 }
 
 TEST(KXRectMatrixTest, DisplayTexts) {
@@ -212,7 +165,8 @@ TEST(KXRectMatrixTest, DisplayTexts) {
 }
 
 // Products against plain loops, exactly, over shapes that include 0 and 1
-// and cross the kernels' tile and slab edges.
+// and cross the kernels' tile and slab edges; the vector products and dot
+// products on the same operands.
 TEST(KXRectMatrixTest, ProductsMatchPlainLoopsExactly) {
   std::mt19937_64 gen(11);
   const int sizes[] = {0, 1, 2, 7, 9, 17, 33, 260};
@@ -221,15 +175,11 @@ TEST(KXRectMatrixTest, ProductsMatchPlainLoopsExactly) {
     for (int k : sizes)
       for (int n : {0, 1, 5, 16, 19}) {
         if (m * k * n > 300000) continue;
-        const KXRectMatrix a = RandomMatrix(m, k, gen);
-        const KXRectMatrix b = RandomMatrix(k, n, gen);
-        KXRectMatrix c;
-        ASSERT_TRUE(a.ComputeMatrixProduct(b, c));
-        ASSERT_EQ(c.GetNRows(), m);
-        ASSERT_EQ(c.GetNCols(), n);
-        const KXRectMatrix bt = RandomMatrix(n, k, gen);
-        KXRectMatrix d;
-        ASSERT_TRUE(a.ComputeProductMatrixTrans(bt, d));
+        const KXRectMatrix a = RandomMatrix(m, k, gen), b = RandomMatrix(k, n, gen),
+                           bt = RandomMatrix(n, k, gen);
+        KXRectMatrix c, d;
+        ASSERT_TRUE(a.ComputeMatrixProduct(b, c) && a.ComputeProductMatrixTrans(bt, d));
+        ASSERT_EQ(c.GetNRows() * 1000 + c.GetNCols(), m * 1000 + n);
         for (int i = 0; i < m; ++i)
           for (int j = 0; j < n; ++j) {
             double s = 0.0, t = 0.0;
@@ -237,63 +187,43 @@ TEST(KXRectMatrixTest, ProductsMatchPlainLoopsExactly) {
               s += a.GetElem(i, p) * b.GetElem(p, j);
               t += a.GetElem(i, p) * bt.GetElem(j, p);
             }
-            ASSERT_TRUE(SameBits(s, c.GetElem(i, j))) << m << "x" << k << "x" << n;
-            ASSERT_TRUE(SameBits(t, d.GetElem(i, j)));
+            ASSERT_TRUE(kxtesting::SameBits(s, c.GetElem(i, j))) << m << "x" << k << "x" << n;
+            ASSERT_TRUE(kxtesting::SameBits(t, d.GetElem(i, j)));
             ++checked;
           }
       }
   EXPECT_GT(checked, 10000);
-}
 
-TEST(KXRectMatrixTest, VectorProductsAndDotProducts) {
-  std::mt19937_64 gen(5);
-  const KXRectMatrix a = RandomMatrix(6, 4, gen);
-  const KXRectMatrix b = RandomMatrix(4, 3, gen);
-  std::vector<double> v{1.5, -2.0, 0.25, 3.0};
-  std::vector<double> rv;
-  ASSERT_TRUE(a.ComputeRV(v, rv));
-  ASSERT_EQ(rv.size(), 6u);
-  std::vector<double> w{1, 2, 3, 4, 5, 6};
-  std::vector<double> vr;
-  ASSERT_TRUE(a.ComputeVR(w, vr));
-  ASSERT_EQ(vr.size(), 4u);
-  for (int i = 0; i < 6; ++i) {
-    double s = 0.0;
-    for (int j = 0; j < 4; ++j) s += a.GetElem(i, j) * v[j];
-    EXPECT_EQ(rv[i], s);
-  }
-  for (int j = 0; j < 4; ++j) {
-    double s = 0.0;
-    for (int i = 0; i < 6; ++i) s += w[i] * a.GetElem(i, j);
-    EXPECT_EQ(vr[j], s);
-    EXPECT_NEAR(a.DotProductCol(j, j), a.ColNorm(j) * a.ColNorm(j), 1e-12);
-  }
-  std::vector<double> keep{42.0};
-  EXPECT_FALSE(a.ComputeRV(w, keep));
-  EXPECT_FALSE(a.ComputeVR(v, keep));
-  EXPECT_EQ(keep, std::vector<double>{42.0});
-
-  KXRectMatrix product;
+  const KXRectMatrix a = RandomMatrix(6, 4, gen), b = RandomMatrix(4, 3, gen);
+  const V v{1.5, -2.0, 0.25, 3.0}, w{1, 2, 3, 4, 5, 6};
+  V rv, vr;
+  ASSERT_TRUE(a.ComputeRV(v, rv) && a.ComputeVR(w, vr));
+  ASSERT_EQ(rv.size() * 10 + vr.size(), 64u);
+  V sumRV(6, 0.0), sumVR(4, 0.0);  // the same sums in the same order
+  for (int q = 0; q < 24; ++q) sumRV[q / 4] += a.GetElem(q / 4, q % 4) * v[q % 4];
+  for (int q = 0; q < 24; ++q) sumVR[q / 6] += w[q % 6] * a.GetElem(q % 6, q / 6);
+  EXPECT_EQ(rv, sumRV);
+  EXPECT_EQ(vr, sumVR);
+  for (int j = 0; j < 4; ++j) EXPECT_NEAR(a.DotProductCol(j, j), a.ColNorm(j) * a.ColNorm(j), 1e-12);
+  V keep{42.0};
+  EXPECT_FALSE(a.ComputeRV(w, keep) || a.ComputeVR(v, keep));
+  EXPECT_EQ(keep, V{42.0});
+  KXRectMatrix product, untouched(1, 1);
   ASSERT_TRUE(a.ComputeMatrixProduct(b, product));
   EXPECT_EQ(a.DotProductRowCol(2, b, 1), product.GetElem(2, 1));
   EXPECT_EQ(a.DotProductRowRow(3, a, 5), a.DotProductRows(3, 5));
   EXPECT_EQ(a.DotProductColCol(1, a, 2), a.DotProductCol(1, 2));
   EXPECT_TRUE(KXMV::IsMissing(a.DotProductRowCol(0, a, 0)));  // 4 != 6
   EXPECT_TRUE(KXMV::IsMissing(a.DotProductCol(0, 4)));
-  KXRectMatrix untouched(1, 1);
   EXPECT_FALSE(a.ComputeMatrixProduct(a, untouched));
-  EXPECT_EQ(untouched.GetNRows(), 1);
   // A matrix whose element vector was resized through AsVector is refused.
   KXRectMatrix broken = RandomMatrix(4, 4, gen);
   broken.AsVector().resize(5);
-  EXPECT_FALSE(broken.HasConsistentData());
-  EXPECT_FALSE(broken.ComputeMatrixProduct(b, untouched));
-  EXPECT_FALSE(a.ComputeProductMatrixTrans(broken, untouched));
+  EXPECT_FALSE(broken.HasConsistentData() || broken.ComputeMatrixProduct(b, untouched) ||
+               a.ComputeProductMatrixTrans(broken, untouched) || broken.Transpose());
   EXPECT_TRUE(KXMV::IsMissing(broken.GetElem(3, 3)));
-  EXPECT_FALSE(broken.Transpose());
   EXPECT_EQ(untouched.GetNRows(), 1);
-  // The output may be one of the operands.
-  KXRectMatrix self(a);
+  KXRectMatrix self(a);  // the output may be one of the operands
   ASSERT_TRUE(self.ComputeMatrixProduct(b, self));
   EXPECT_EQ(self.GetData(), product.GetData());
 }

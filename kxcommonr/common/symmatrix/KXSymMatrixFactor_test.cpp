@@ -9,12 +9,12 @@
 #include <algorithm>
 #include <cmath>
 #include <random>
-#include <string>
 #include <vector>
 
 #include "kxcommonr/common/containers/KXBitSet.h"
 #include "kxcommonr/common/foundation/KXMV.h"
 #include "kxcommonr/common/symmatrix/KXSymMatrix.h"
+#include "kxcommonr/testing/RectMatrixTestUtil.h"
 #include "kxcommonr/testing/SymMatrixTestUtil.h"
 #include "kxcommonr/testing/Tolerance.h"
 
@@ -25,11 +25,23 @@ using KXCommon::KXMV;
 using KXCommon::KXSymMatrix;
 using namespace kxtesting;  // the dense reference helpers and tolerance tiers
 
-// The set's bits as '0' and '1', position 0 first.
-std::string Bits(const KXBitSet& set) {
-  std::string bits;
-  for (int i = 0; i < set.Size(); ++i) bits += set.IsIn(i) ? '1' : '0';
-  return bits;
+const auto FromPacked = SymFromPacked;
+
+// Every element of x within tol (relative, see NearRel) of y.
+void ExpectNear(const std::vector<double>& x, const std::vector<double>& y, double tol) {
+  ASSERT_EQ(x.size(), y.size());
+  for (std::size_t i = 0; i < x.size(); ++i) EXPECT_TRUE(NearRel(x[i], y[i], tol)) << i;
+}
+
+// A x for a dense A, in long double.
+std::vector<double> Times(const Dense& a, const std::vector<double>& x) {
+  std::vector<double> y(a.n);
+  for (std::size_t i = 0; i < a.n; ++i) {
+    long double sum = 0;
+    for (std::size_t j = 0; j < a.n; ++j) sum += static_cast<long double>(a(i, j)) * x[j];
+    y[i] = static_cast<double>(sum);
+  }
+  return y;
 }
 
 // ---------------------------------------------------------------------------
@@ -58,20 +70,6 @@ TEST(KXSymMatrixSweep, KnownCaseThresholdsAndRefusals) {
   KXBitSet one(1);
   EXPECT_FALSE(half.Sweep(0, 0.25, {2.0}, one, true));
   EXPECT_TRUE(half.Sweep(0, 0.2499999, {2.0}, one, true));
-
-  KXSymMatrix u = ToSym(RandomSpd(3, 1));
-  const std::vector<double> good = {1, 1, 1}, data = u.GetData();
-  KXBitSet bits(3), shortBits(2);
-  EXPECT_FALSE(u.Sweep(3, 1e-8, good, bits, true) || u.Sweep(-1, 1e-8, good, bits, false) ||
-               u.Sweep(0, 0.0, good, bits, true) || u.Sweep(0, 1e-8, {1, -1, 1}, bits, true));
-  // Short arguments are never read, whatever check says.
-  EXPECT_FALSE(u.Sweep(0, 1e-8, {1, 1}, bits, false) || u.Sweep(0, 1e-8, good, shortBits, false));
-  bits.Set(1, true);  // "already swept" with a zero pivot: nothing to reverse
-  u.SetElem(1, 1, 0.0);
-  EXPECT_FALSE(u.Sweep(1, 1e-8, good, bits, false));
-  u.SetElem(1, 1, data[2]);
-  EXPECT_EQ(u.GetData(), data);
-  EXPECT_EQ(bits.InSet(), 1);
 }
 
 // SweepRows gives the matrix, the bits and the count of the same Sweep
@@ -119,23 +117,31 @@ TEST(KXSymMatrixSweep, SweepRowsEqualsTheRowByRowSweeps) {
       }
     }
   }
-  // Refusals: nothing changed, -1.
+  // Refusals of Sweep (false) and SweepRows (-1) change nothing; short
+  // arguments are never read, whatever check says.
   KXSymMatrix u = ToSym(RandomSpd(3, 2));
   const std::vector<double> data = u.GetData(), good = {1, 1, 1};
   KXBitSet bits(3), shortBits(2);
   const struct {
-    std::vector<int> rows;
+    int row;
     double tol;
     std::vector<double> orig;
     KXBitSet* swept;
     bool check;
-  } refused[] = {{{0, 3}, 1e-8, good, &bits, false},    {{-1}, 1e-8, good, &bits, false},
-                 {{0}, 1e-8, {1, 1}, &bits, false},      {{0}, 1e-8, good, &shortBits, false},
-                 {{0}, 0.0, good, &bits, true},          {{0}, 1e-8, {1, -1, 1}, &bits, true}};
-  for (const auto& r : refused) EXPECT_EQ(u.SweepRows(r.rows, r.tol, r.orig, *r.swept, r.check), -1);
+  } refused[] = {{3, 1e-8, good, &bits, true},        {-1, 1e-8, good, &bits, false},
+                 {0, 1e-8, {1, 1}, &bits, false},      {0, 1e-8, good, &shortBits, false},
+                 {0, 0.0, good, &bits, true},          {0, 1e-8, {1, -1, 1}, &bits, true}};
+  for (const auto& r : refused) {
+    EXPECT_FALSE(u.Sweep(r.row, r.tol, r.orig, *r.swept, r.check)) << r.row << " " << r.tol;
+    EXPECT_EQ(u.SweepRows({0, r.row}, r.tol, r.orig, *r.swept, r.check), -1);
+  }
   EXPECT_EQ(u.SweepRows({}, 1e-8, good, bits, true), 0);
+  bits.Set(1, true);  // "already swept" with a zero pivot: nothing to reverse
+  u.SetElem(1, 1, 0.0);
+  EXPECT_FALSE(u.Sweep(1, 1e-8, good, bits, false));
+  u.SetElem(1, 1, data[2]);
   EXPECT_EQ(u.GetData(), data);
-  EXPECT_EQ(bits.InSet(), 0);
+  EXPECT_EQ(bits.InSet(), 1);
 }
 
 TEST(KXSymMatrixCholesky, SmallCasesMasksAndRefusals) {
@@ -197,7 +203,7 @@ TEST(KXSymMatrixInverse, KnownInversesAndDeterminants) {
   // Hilbert 4's condition number, 1.5e4, magnifies the rounding of its
   // factor: a looser bound there.
   const Case cases[] = {{diag, 2.4, 2, kLoose},
-                        {kxtesting::Hilbert(4), 1e7 / 6048000.0, -7, 16 * kLoose},
+                        {Hilbert(4), 1e7 / 6048000.0, -7, 16 * kLoose},
                         {big, 1.0, 800, kLoose},
                         {ones, 0.0, 0, kLoose}};
   for (const Case& c : cases) {
@@ -205,7 +211,7 @@ TEST(KXSymMatrixInverse, KnownInversesAndDeterminants) {
     double det[2] = {0, 0};
     ASSERT_TRUE(s.ComputeDeterminant(1e-14, det));
     EXPECT_EQ(s.GetData(), ToSym(c.matrix).GetData());
-    EXPECT_TRUE(kxtesting::NearRel(det[0], c.mantissa, c.tol)) << c.matrix.n;
+    EXPECT_TRUE(NearRel(det[0], c.mantissa, c.tol)) << c.matrix.n;
     EXPECT_EQ(det[1], c.exponent);
   }
   double det[2] = {0, 0};
@@ -250,18 +256,13 @@ TEST(KXSymMatrixCholesky, FactorInverseAndSolvesAgainstDenseProducts) {
     KXBitSet nonRedundant;
     ASSERT_EQ(s.LTChol(Diagonal(a), 1e-10, nonRedundant, true), 0);
     EXPECT_EQ(nonRedundant.InSet(), static_cast<int>(n));
-    const Dense l = kxtesting::LowerOf(s);
-    EXPECT_LE(MaxAbsDiff(Multiply(l, kxtesting::Transpose(l)), a), kMedium * scale);
+    const Dense l = ToDense(s, true);
+    EXPECT_LE(MaxAbsDiff(Multiply(l, Transpose(l)), a), kMedium * scale);
     // Solving with the stored factor: A x = b.
-    const std::vector<double> b = kxtesting::RandomVector(n, 3);
+    const std::vector<double> b = RandomVector(n, 3);
     std::vector<double> x, y;
     ASSERT_EQ(s.LTSubstitute(b, x), 0);
-    ASSERT_EQ(x.size(), n);
-    for (std::size_t i = 0; i < n; ++i) {
-      long double r = 0;
-      for (std::size_t j = 0; j < n; ++j) r += static_cast<long double>(a(i, j)) * x[j];
-      EXPECT_TRUE(kxtesting::NearRel(static_cast<double>(r), b[i], kLoose));
-    }
+    ExpectNear(Times(a, x), b, kLoose);
     // LTLLTrans rebuilds the matrix from its factor in place; LTLTransL
     // turns the inverted factor into the inverse.
     KXSymMatrix rebuilt = s;
@@ -279,25 +280,10 @@ TEST(KXSymMatrixCholesky, FactorInverseAndSolvesAgainstDenseProducts) {
     EXPECT_EQ(inv.GetData(), s.GetData());
     KXSymMatrix general = t;
     ASSERT_TRUE(general.SolveIndefinite(1e-12, b, y));
-    for (std::size_t i = 0; i < n; ++i) EXPECT_TRUE(kxtesting::NearRel(y[i], x[i], kLoose));
+    ExpectNear(y, x, kLoose);
     ASSERT_TRUE(general.SolveIndefiniteGI(1e-12, b, y));
-    for (std::size_t i = 0; i < n; ++i) EXPECT_TRUE(kxtesting::NearRel(y[i], x[i], kLoose));
+    ExpectNear(y, x, kLoose);
     EXPECT_EQ(general.GetData(), t.GetData());
-    // Sweeping every row gives minus the inverse; reversing the sweeps in
-    // another order restores the matrix.
-    KXSymMatrix swept = t;
-    const int order = static_cast<int>(n);
-    const std::vector<double> orig = Diagonal(a);
-    KXBitSet bits(order);
-    for (int k = 0; k < order; ++k) ASSERT_TRUE(swept.Sweep(k, 1e-10, orig, bits, true));
-    swept.ChangeSign();
-    EXPECT_LE(MaxAbsDiff(Multiply(a, ToDense(swept)), Identity(n)), kLoose);
-    swept.ChangeSign();
-    for (int k = order - 1; k >= 0; k -= 2) ASSERT_TRUE(swept.Sweep(k, 1e-10, orig, bits, true));
-    for (int k = order % 2 == 0 ? 0 : 1; k < order; k += 2)
-      ASSERT_TRUE(swept.Sweep(k, 1e-10, orig, bits, true));
-    EXPECT_EQ(bits.InSet(), 0);
-    EXPECT_LE(MaxAbsDiff(ToDense(swept), a), kLoose * scale);
   }
 }
 
@@ -339,17 +325,14 @@ TEST(KXSymMatrixCholesky, RedundantRowsAreExactlyTheDependentOnes) {
   KXSymMatrix swept = cs;
   KXBitSet bits(25);
   for (int k = 0; k < 25; ++k) EXPECT_EQ(swept.Sweep(k, 1e-9, Diagonal(c), bits, true), kept.IsIn(k));
-  for (int r = 0; r < 25; ++r)
-    for (int q = 0; q <= r; ++q) {
-      if (!kept.IsIn(r) || !kept.IsIn(q)) {
-        EXPECT_EQ(g.GetElem(r, q), 0.0);
-        continue;
-      }
-      // The two routes round differently; the kept block has condition
-      // numbers near 1e4, hence the looser bound.
-      EXPECT_TRUE(kxtesting::NearRel(-swept.GetElem(r, q), g.GetElem(r, q), 1e4 * kLoose,
-                                     std::fabs(g.GetElem(r, r))));
-    }
+  // The two routes round differently; the kept block has condition
+  // numbers near 1e4, hence the looser bound.
+  for (int q = 0; q < 625; ++q) {
+    const int r = q / 25, c = q % 25;
+    const bool both = kept.IsIn(r) && kept.IsIn(c);
+    EXPECT_TRUE(NearRel(g.GetElem(r, c), both ? -swept.GetElem(r, c) : 0.0, both ? 1e4 * kLoose : 0.0,
+                        std::fabs(g.GetElem(r, r))));
+  }
   std::vector<double> wrong = g.GetData();
   wrong[0] *= 1.01;
   EXPECT_FALSE(cs.CheckGMG(wrong, 1e-6) || cs.CheckGMG({1.0}, 1e-6) || cs.CheckGMG(g.GetData(), -1.0));
@@ -357,14 +340,13 @@ TEST(KXSymMatrixCholesky, RedundantRowsAreExactlyTheDependentOnes) {
 
 TEST(KXSymMatrixInverse, IllConditionedHilbertMatrices) {
   // Hilbert 8 (condition about 1.5e10): an inverse to about 1e10 * eps.
-  const Dense h = kxtesting::Hilbert(8);
+  const Dense h = Hilbert(8), h14 = Hilbert(14);
   KXSymMatrix inv;
   ASSERT_EQ(ToSym(h).CholInverse(Diagonal(h), 1e-14, inv), 0);
   EXPECT_LE(MaxAbsDiff(Multiply(ToDense(inv), h), Identity(8)), 1e-5);
   // Hilbert 14 is numerically singular at tol 1e-7: rows become redundant,
   // and the result is a generalised inverse G with H G H = H and G H G = G
   // (to the accuracy its condition allows).
-  const Dense h14 = kxtesting::Hilbert(14);
   KXBitSet kept;
   const int dropped = ToSym(h14).CholInverse(Diagonal(h14), 1e-7, inv, kept);
   EXPECT_GT(dropped, 0);
@@ -398,18 +380,12 @@ TEST(KXSymMatrixSolve, SolversOnSingularIndefiniteAndRefusedSystems) {
   EXPECT_FALSE(ones.SolveIndefinite(KXBitSet(2), {4, 5, 6}, x));
   // Generalised-inverse solution of a consistent singular system: A x = b.
   const Dense a = DependentCrossProducts(12, {5}, 21);
-  const std::vector<double> truth = kxtesting::RandomVector(12, 8);
-  std::vector<double> b(12, 0.0);
-  for (std::size_t i = 0; i < 12; ++i)
-    for (std::size_t j = 0; j < 12; ++j) b[i] += a(i, j) * truth[j];
+  const std::vector<double> b = Times(a, RandomVector(12, 8));
   ASSERT_TRUE(ToSym(a).SolveIndefiniteGI(1e-9, b, x));
   EXPECT_EQ(x[5], 0.0);
-  for (std::size_t i = 0; i < 12; ++i) {
-    double r = 0;
-    for (std::size_t j = 0; j < 12; ++j) r += a(i, j) * x[j];
-    // The cross products reach 300 and the system's condition about 1e3.
-    EXPECT_TRUE(kxtesting::NearRel(r, b[i], 1e3 * kLoose, MaxAbs(a)));
-  }
+  const std::vector<double> ax = Times(a, x);
+  // The cross products reach 300 and the system's condition about 1e3.
+  for (std::size_t i = 0; i < 12; ++i) EXPECT_TRUE(NearRel(ax[i], b[i], 1e3 * kLoose, MaxAbs(a)));
   EXPECT_FALSE(ToSym(a).SolveIndefiniteGI(0.0, b, x));
 }
 
@@ -472,11 +448,9 @@ TEST(KXSymMatrixRegression, CoefficientsSolveTheNormalEquations) {
   std::vector<double> coeffs;
   ASSERT_TRUE(sscp.GetRegCoeffs(coeffs, swept));
   ASSERT_EQ(coeffs.size(), static_cast<std::size_t>(p));
-  for (int i = 0; i < p; ++i) {
-    long double fitted = 0;
-    for (int j = 0; j < p; ++j) fitted += static_cast<long double>(a(i, j)) * coeffs[j];
-    EXPECT_TRUE(kxtesting::NearRel(static_cast<double>(fitted), a(i, p), kLoose));
-  }
+  coeffs.push_back(0.0);  // the response's column of X'X takes no part
+  const std::vector<double> xty = Times(a, coeffs);
+  for (int i = 0; i < p; ++i) EXPECT_TRUE(NearRel(xty[i], a(i, p), kLoose)) << i;
   EXPECT_GT(sscp.GetElem(p, p), 0.0);  // the residual sum of squares
   swept.Set(2, false);                 // an unswept predictor gets 0
   ASSERT_TRUE(sscp.GetRegCoeffs(coeffs, swept));

@@ -5,13 +5,13 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstring>
 #include <random>
 #include <vector>
 
 #include "kxcommonr/common/rectmatrix/KXRectMatrix.h"
 #include "kxcommonr/common/symmatrix/KXSymMatrix.h"
 #include "kxcommonr/testing/RectMatrixTestUtil.h"
+#include "kxcommonr/testing/SymMatrixTestUtil.h"
 
 namespace KXCommon {
 namespace {
@@ -26,10 +26,7 @@ KXSymMatrix RandomSym(int n, std::mt19937_64& gen) {
 }
 
 bool SamePacked(const KXSymMatrix& a, const KXSymMatrix& b) {
-  const std::vector<double>& x = a.GetData();
-  const std::vector<double>& y = b.GetData();
-  return x.size() == y.size() &&
-         (x.empty() || std::memcmp(x.data(), y.data(), x.size() * sizeof(double)) == 0);
+  return kxtesting::Identical(a.GetData(), b.GetData());
 }
 
 // Plain product of full matrices given by element accessors, each output
@@ -43,19 +40,11 @@ std::vector<double> Multiply(int m, int k, int n, A a, B b) {
   return c;
 }
 
-// The full square form of s, row-major, element by element.
-std::vector<double> Square(const KXSymMatrix& s) {
-  const int n = s.GetNRows();
-  std::vector<double> full;
-  for (int q = 0; q < n * n; ++q) full.push_back(s.GetElem(q / n, q % n));
-  return full;
-}
-
 // The lower triangle, row by row, of the n x n row-major matrix full.
 std::vector<double> Lower(const std::vector<double>& full, int n) {
-  std::vector<double> packed;
-  for (int i = 0; i < n; ++i) packed.insert(packed.end(), full.begin() + i * n, full.begin() + i * n + i + 1);
-  return packed;
+  kxtesting::Dense d(static_cast<std::size_t>(n));
+  d.a = full;
+  return kxtesting::ToPacked(d);
 }
 
 // A block of cases gives the matrix that the same cases give one by one
@@ -113,7 +102,7 @@ TEST(KXSymMatrixRectTest, ProductsMatchPlainLoops) {
       ASSERT_TRUE(rrt.ComputeRByRTrans(r) && rtr.ComputeRTransByR(r));
       EXPECT_EQ(rsOut.GetData(), rs);
       EXPECT_EQ(stOut.GetData(), Multiply(n, n, n, sAt, [&](int i, int j) { return t.GetElem(i, j); }));
-      EXPECT_EQ(full.GetData(), Square(s));
+      EXPECT_EQ(full.GetData(), kxtesting::ToDense(s).a);
       EXPECT_EQ(rsr.GetData(),
                 Lower(Multiply(m, n, m, [&](int i, int p) { return rs[i * n + p]; }, rtAt), m));
       EXPECT_EQ(qsq.GetData(), Lower(Multiply(m, n, m, [&](int i, int p) { return q.GetElem(p, i); },
@@ -134,19 +123,17 @@ TEST(KXSymMatrixRectTest, RefusalsLeaveOutputs) {
   KXRectMatrix broken(block), rect(1, 1);
   broken.AsVector().resize(11);
   for (double w : {0.0, -1.0, std::nan("")}) EXPECT_FALSE(s.UpdateXXMat2(block, block, w));
-  EXPECT_FALSE(s.UpdateXXMat2(block, RandomMatrix(5, 3, gen), 1.0));  // shapes differ
-  EXPECT_FALSE(s.UpdateXXMat2(block, RandomMatrix(4, 2, gen), 1.0));
-  EXPECT_FALSE(s.UpdateXXMat2(RandomMatrix(4, 2, gen), RandomMatrix(4, 2, gen), 1.0));  // not n columns
-  EXPECT_FALSE(s.UpdateXXMat2(block, broken, 1.0) || s.ComputeRByRTrans(broken) ||
-               s.ComputeRTransByR(broken));
+  const KXRectMatrix tall = RandomMatrix(5, 3, gen), narrow = RandomMatrix(4, 2, gen);
+  EXPECT_FALSE(s.UpdateXXMat2(block, tall, 1.0) || s.UpdateXXMat2(block, narrow, 1.0) ||  // shapes differ
+               s.UpdateXXMat2(narrow, narrow, 1.0) ||  // not n columns
+               s.UpdateXXMat2(block, broken, 1.0) || s.ComputeRByRTrans(broken) || s.ComputeRTransByR(broken));
   EXPECT_TRUE(SamePacked(s, before));
   KXSymMatrix sym(2);
   EXPECT_FALSE(s.ComputeRS(wrong, rect) || s.ComputeRSRTrans(wrong, sym) || s.ComputeRTransSR(wrong, sym) ||
                s.ComputeSS(KXSymMatrix(4), rect));
   EXPECT_EQ(rect.GetNRows() + sym.GetNRows(), 3);
   s.AsVector().resize(2);  // a caller broke the size through AsVector()
-  EXPECT_FALSE(s.ExpandSymToRect(rect));
-  EXPECT_FALSE(s.CopyRowToRColumn(0, rect, 0, 0));
+  EXPECT_FALSE(s.ExpandSymToRect(rect) || s.CopyRowToRColumn(0, rect, 0, 0));
   EXPECT_EQ(rect.GetNRows(), 1);
 }
 
@@ -157,10 +144,9 @@ TEST(KXSymMatrixRectTest, RowToColumn) {
   ASSERT_TRUE(s.CopyRowToRColumn(1, target, 1, 2));
   for (int i = 0; i < 6; ++i)
     EXPECT_EQ(target.GetElem(i, 1), i >= 2 ? s.GetElem(1, i - 2) : 0.0);
-  EXPECT_FALSE(s.CopyRowToRColumn(1, target, 1, 3));  // runs past the end
-  EXPECT_FALSE(s.CopyRowToRColumn(4, target, 0, 0));
-  EXPECT_FALSE(s.CopyRowToRColumn(0, target, 2, 0));
-  EXPECT_FALSE(s.CopyRowToRColumn(0, target, 0, -1));
+  EXPECT_FALSE(s.CopyRowToRColumn(1, target, 1, 3) ||  // runs past the end
+               s.CopyRowToRColumn(4, target, 0, 0) || s.CopyRowToRColumn(0, target, 2, 0) ||
+               s.CopyRowToRColumn(0, target, 0, -1));
 }
 
 }  // namespace
