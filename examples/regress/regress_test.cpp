@@ -97,6 +97,22 @@ RegressionModel CertifiedModel(const CsvTable& table, const Value& certified) {
   return ::testing::AssertionFailure() << error.message;
 }
 
+CsvTable Table(std::vector<std::string> names, std::vector<double> cells) {
+  CsvTable table;
+  EXPECT_TRUE(table.Assign(std::move(names), std::move(cells)));
+  return table;
+}
+
+// Bit for bit the same coefficients, standard errors and residual sum of squares.
+void ExpectSameFit(const RegressionFit& a, const RegressionFit& b) {
+  ASSERT_EQ(a.coefficients.size(), b.coefficients.size());
+  for (std::size_t k = 0; k < a.coefficients.size(); ++k) {
+    EXPECT_EQ(a.coefficients[k].estimate, b.coefficients[k].estimate) << a.coefficients[k].term;
+    EXPECT_EQ(a.coefficients[k].stdError, b.coefficients[k].stdError) << a.coefficients[k].term;
+  }
+  EXPECT_EQ(a.rss, b.rss);
+}
+
 // A 64-bit LCG: uniform doubles in [0, 1), the same on every platform.
 struct Lcg {
   std::uint64_t state;
@@ -112,7 +128,8 @@ struct Accuracy {
 class CertifiedFit : public ::testing::TestWithParam<Accuracy> {};
 
 // Case by case through UpdateXX, and through UpdateXXMat2 in blocks of 5
-// cases (the last block partial).
+// cases (the last block partial), which adds the same products in the same
+// order: the same fit bit for bit.
 TEST_P(CertifiedFit, MatchesCertifiedValues) {
   const Accuracy& target = GetParam();
   const Value& certified = Certified(target.dataset);
@@ -123,10 +140,10 @@ TEST_P(CertifiedFit, MatchesCertifiedValues) {
   const std::vector<double> stdErrors = certified["std_errors"].Numbers();
   const Value& anova = certified["anova"];
   RegressionModel model = CertifiedModel(table, certified);
-  for (const int caseBlock : {0, 5}) {
-    SCOPED_TRACE("case block " + std::to_string(caseBlock));
-    model.caseBlock = caseBlock;
-    RegressionFit fit;
+  RegressionFit fits[2];
+  for (RegressionFit& fit : fits) {
+    model.caseBlock = &fit == fits ? 0 : 5;
+    SCOPED_TRACE("case block " + std::to_string(model.caseBlock));
     ASSERT_TRUE(Fits(table, model, fit));
     ASSERT_EQ(fit.coefficients.size(), coefficients.size());
     for (std::size_t k = 0; k < coefficients.size(); ++k) {
@@ -146,6 +163,7 @@ TEST_P(CertifiedFit, MatchesCertifiedValues) {
     // The F p-value is the upper tail of the statistic, hence in [0, 1].
     EXPECT_TRUE(!KXMV::IsMissing(fit.fPValue) && fit.fPValue >= 0.0 && fit.fPValue <= 1.0);
   }
+  ExpectSameFit(fits[1], fits[0]);
 }
 
 INSTANTIATE_TEST_SUITE_P(Nist, CertifiedFit,
@@ -283,12 +301,17 @@ TEST(RegressFit, RefusesUnfittableData) {
   }
 }
 
-// Norris with whole frequency weights gives the fit of the data with each case
-// repeated that many times; incomplete cases and non-positive weights are
-// skipped and counted, leaving the fit of the complete cases alone.
-TEST(RegressFit, WeightsCountCasesAndSkippedCasesLeaveTheRest) {
+// Variants of Norris that must give Norris's fit: whole frequency weights that
+// of each case repeated that many times (to the rounding of either); blocks of
+// weighted cases through UpdateXXMat2 the case-by-case fit bit for bit, as do
+// incomplete cases and non-positive weights, skipped and counted; and x times
+// 10 plus 1e9 (a large mean, a small spread, as a year) a tenth of the slope:
+// the cross-products are centred, so it does not look like a multiple of the
+// intercept (from raw cross-products its residual share would be about 1e-11,
+// below the tolerance).
+TEST(RegressFit, NorrisVariantsGiveNorrisFit) {
   const CsvTable norris = Read("Norris.csv");
-  std::vector<double> weightedCells, replicatedCells;
+  std::vector<double> weightedCells, replicatedCells, shiftedCells;
   std::ostringstream dirty;
   dirty << "y,x1,w,note\n";
   for (std::size_t r = 0; r < norris.NumRows(); ++r) {
@@ -297,70 +320,60 @@ TEST(RegressFit, WeightsCountCasesAndSkippedCasesLeaveTheRest) {
     for (int copy = 0; copy < static_cast<int>(weight); ++copy) {
       replicatedCells.insert(replicatedCells.end(), {y, x, 1.0});
     }
+    // Norris's x has one decimal: 10 x is an integer and the sum is exact.
+    const double scaled = std::round(x * 10.0);
+    ASSERT_LT(std::fabs(scaled - x * 10.0), 1e-9);
+    shiftedCells.insert(shiftedCells.end(), {y, scaled + 1e9, 1.0});
     dirty << FormatNumber(y, 17) << ',' << FormatNumber(x, 17) << ",1,ok\n";
     if (r % 5 == 0) dirty << "7,,1,empty x\n";
     if (r % 7 == 0) dirty << "NA,3,1,text y\n";
     if (r % 9 == 0) dirty << "5,3,0,zero weight\n";
     if (r % 11 == 0) dirty << "5,3,-2,negative weight\n";
   }
-  CsvTable weighted, replicated;
-  ASSERT_TRUE(weighted.Assign({"y", "x1", "w"}, weightedCells));
-  ASSERT_TRUE(replicated.Assign({"y", "x1", "w"}, replicatedCells));
-  RegressionFit a, b, clean, skipped;
-  ASSERT_TRUE(Fits(weighted, Model(0, {1}, 2), a));
-  ASSERT_TRUE(Fits(replicated, Model(0, {1}, 2), b));
-  EXPECT_EQ(a.casesUsed, norris.NumRows());
-  EXPECT_EQ(a.sumWeights, static_cast<double>(b.casesUsed));
-  EXPECT_EQ(a.residualDf, b.residualDf);
-  // Both fits carry their own rounding; Norris's small intercept is the most
-  // sensitive value (the unweighted fit gets it to about 12.8 digits), so
-  // the two agree to somewhat fewer digits than each has.
-  for (std::size_t k = 0; k < a.coefficients.size(); ++k) {
-    SCOPED_TRACE(a.coefficients[k].term);
-    EXPECT_GE(Lre(a.coefficients[k].estimate, b.coefficients[k].estimate), 11.5);
-    EXPECT_GE(Lre(a.coefficients[k].stdError, b.coefficients[k].stdError), 12.0);
-    EXPECT_GE(Lre(a.coefficients[k].pValue, b.coefficients[k].pValue), 10.0);
-  }
-  EXPECT_GE(Lre(a.residualSd, b.residualSd), 12.0);
-  EXPECT_GE(Lre(a.fStatistic, b.fStatistic), 10.0);
-
-  ASSERT_TRUE(Fits(Parsed(dirty.str()), Model(0, {1}, 2), skipped));
+  const CsvTable weightedTable = Table({"y", "x1", "w"}, weightedCells);
+  RegressionModel model = Model(0, {1}, 2);
+  RegressionFit weighted, replicated, skipped, clean, shifted;
+  ASSERT_TRUE(Fits(weightedTable, model, weighted));
+  ASSERT_TRUE(Fits(Table({"y", "x1", "w"}, replicatedCells), model, replicated));
+  ASSERT_TRUE(Fits(Parsed(dirty.str()), model, skipped));
   ASSERT_TRUE(Fits(norris, Model(0, {1}), clean));
+  ASSERT_TRUE(Fits(Table({"y", "x1", "w"}, shiftedCells), Model(0, {1}), shifted));
+
+  EXPECT_EQ(weighted.casesUsed, norris.NumRows());
+  EXPECT_EQ(weighted.sumWeights, static_cast<double>(replicated.casesUsed));
+  EXPECT_EQ(weighted.residualDf, replicated.residualDf);
+  // Norris's small intercept is the most sensitive value (the unweighted fit
+  // gets it to about 12.8 digits), so the two agree to somewhat fewer digits
+  // than each has.
+  for (std::size_t k = 0; k < weighted.coefficients.size(); ++k) {
+    const Coefficient &a = weighted.coefficients[k], &b = replicated.coefficients[k];
+    EXPECT_GE(Lre(a.estimate, b.estimate), 11.5) << a.term;
+    EXPECT_GE(Lre(a.stdError, b.stdError), 12.0) << a.term;
+    EXPECT_GE(Lre(a.pValue, b.pValue), 10.0) << a.term;
+  }
+  EXPECT_GE(Lre(weighted.residualSd, replicated.residualSd), 12.0);
+  EXPECT_GE(Lre(weighted.fStatistic, replicated.fStatistic), 10.0);
+  for (const int caseBlock : {1, 7, 5000}) {
+    SCOPED_TRACE(caseBlock);
+    model.caseBlock = caseBlock;
+    RegressionFit byBlock;
+    ASSERT_TRUE(Fits(weightedTable, model, byBlock));
+    ExpectSameFit(byBlock, weighted);
+  }
+
   EXPECT_EQ(skipped.casesUsed, norris.NumRows());
   EXPECT_EQ(skipped.casesSkippedCells, 8u + 6u);
   EXPECT_EQ(skipped.casesSkippedWeight, 4u + 4u);
-  for (std::size_t k = 0; k < clean.coefficients.size(); ++k) {
-    EXPECT_EQ(skipped.coefficients[k].estimate, clean.coefficients[k].estimate);
-    EXPECT_EQ(skipped.coefficients[k].stdError, clean.coefficients[k].stdError);
-  }
-}
+  ExpectSameFit(skipped, clean);
 
-// Blocks of cases through UpdateXXMat2 add the same products in the same
-// order as one UpdateXX per case, whatever the block size.
-TEST(RegressFit, BlocksOfCasesGiveTheCaseByCaseFit) {
-  std::vector<double> cells;
-  Lcg rng{2024};
-  for (int r = 0; r < 1000; ++r) {
-    const double a = 50.0 + rng.Uniform(), b = rng.Uniform() * 1e3;
-    const double c = a * 0.5 + rng.Uniform() * 1e-3;  // nearly collinear with a
-    const double y = 3.0 * a - 0.002 * b + 7.0 * c + rng.Uniform();
-    cells.insert(cells.end(), {y, a, b, c, 1.0 + std::floor(rng.Uniform() * 4.0)});
-  }
-  CsvTable table;
-  ASSERT_TRUE(table.Assign({"y", "a", "b", "c", "w"}, cells));
-  RegressionModel model = Model(0, {1, 2, 3}, 4);
-  RegressionFit byCase;
-  ASSERT_TRUE(Fits(table, model, byCase));
-  for (const int caseBlock : {1, 7, 256, 5000}) {
-    model.caseBlock = caseBlock;
-    RegressionFit byBlock;
-    ASSERT_TRUE(Fits(table, model, byBlock));
-    for (std::size_t k = 0; k < byCase.coefficients.size(); ++k) {
-      EXPECT_EQ(byBlock.coefficients[k].estimate, byCase.coefficients[k].estimate) << caseBlock;
-      EXPECT_EQ(byBlock.coefficients[k].stdError, byCase.coefficients[k].stdError) << caseBlock;
-    }
-    EXPECT_EQ(byBlock.rss, byCase.rss);
-  }
+  ASSERT_FALSE(shifted.coefficients[1].aliased);
+  const Value& certified = Certified("Norris");
+  EXPECT_GE(Lre(shifted.coefficients[1].estimate * 10.0, certified["coefficients"][1].Number()),
+            12.0);
+  EXPECT_GE(Lre(shifted.coefficients[1].stdError * 10.0, certified["std_errors"][1].Number()),
+            12.0);
+  EXPECT_GE(Lre(shifted.residualSd, certified["residual_sd"].Number()), 12.0);
+  EXPECT_GE(Lre(shifted.rSquared, certified["r_squared"].Number()), 12.0);
 }
 
 // A constant column has a zero centred sum of squares, up to the rounding of
@@ -375,10 +388,9 @@ TEST(RegressFit, ConstantColumnIsAliasedWhateverItsRounding) {
       cells.insert(cells.end(), {rng.Uniform(), static_cast<double>(r) + rng.Uniform(), constant,
                                  1.0 + std::floor(rng.Uniform() * 3.0)});
     }
-    CsvTable table;
-    ASSERT_TRUE(table.Assign({"y", "x", "c", "w"}, cells));
     RegressionFit fit;
-    ASSERT_TRUE(Fits(table, Model(0, {1, 2}, trial % 2 == 0 ? 3 : -1), fit));
+    ASSERT_TRUE(Fits(Table({"y", "x", "c", "w"}, cells), Model(0, {1, 2}, trial % 2 ? -1 : 3),
+                     fit));
     EXPECT_TRUE(!fit.coefficients[1].aliased && fit.coefficients[2].aliased && fit.rank == 1)
         << "constant " << constant << " trial " << trial;
   }
@@ -407,32 +419,6 @@ TEST(RegressFit, PValuesMatchClosedForms) {
   }
 }
 
-// A predictor with a large mean and a small spread (a year, or here Norris's x
-// times 10 plus 1e9) keeps its slope and standard error: the cross-products
-// are centred, so it does not look like a multiple of the intercept (from raw
-// cross-products its residual share would be about 1e-11, below the
-// tolerance).
-TEST(RegressFit, ShiftedPredictorKeepsSlopeAndStandardError) {
-  const CsvTable norris = Read("Norris.csv");
-  std::vector<double> cells;
-  for (std::size_t r = 0; r < norris.NumRows(); ++r) {
-    // Norris's x has one decimal: 10 x is an integer and the sum is exact.
-    const double scaled = std::round(norris.At(r, 1) * 10.0);
-    ASSERT_LT(std::fabs(scaled - norris.At(r, 1) * 10.0), 1e-9);
-    cells.insert(cells.end(), {norris.At(r, 0), scaled + 1e9});
-  }
-  CsvTable shifted;
-  ASSERT_TRUE(shifted.Assign({"y", "x1"}, cells));
-  RegressionFit fit;
-  ASSERT_TRUE(Fits(shifted, Model(0, {1}), fit));  // the default tolerance, 1e-10
-  ASSERT_FALSE(fit.coefficients[1].aliased);
-  const Value& certified = Certified("Norris");
-  EXPECT_GE(Lre(fit.coefficients[1].estimate * 10.0, certified["coefficients"][1].Number()), 12.0);
-  EXPECT_GE(Lre(fit.coefficients[1].stdError * 10.0, certified["std_errors"][1].Number()), 12.0);
-  EXPECT_GE(Lre(fit.residualSd, certified["residual_sd"].Number()), 12.0);
-  EXPECT_GE(Lre(fit.rSquared, certified["r_squared"].Number()), 12.0);
-}
-
 // Longley with x7 = x1 + x2 (exact in doubles) after them, and a constant
 // column: both refused by the sweep, reported aliased, and the rest of the fit
 // is the certified one.
@@ -445,10 +431,8 @@ TEST(RegressFit, AliasedPredictorsAreReportedNotEstimated) {
   }
   std::vector<std::string> names = longley.Names();
   names.insert(names.end(), {"x7", "constant"});
-  CsvTable table;
-  ASSERT_TRUE(table.Assign(names, cells));
   RegressionFit fit;
-  ASSERT_TRUE(Fits(table, Model(0, {1, 2, 3, 7, 8, 4, 5, 6}), fit));
+  ASSERT_TRUE(Fits(Table(names, cells), Model(0, {1, 2, 3, 7, 8, 4, 5, 6}), fit));
   EXPECT_EQ(fit.rank, 6);
   EXPECT_EQ(fit.residualDf, 9.0);
   ASSERT_EQ(fit.coefficients.size(), 9u);
