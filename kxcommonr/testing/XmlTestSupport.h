@@ -23,29 +23,22 @@
 
 namespace kxtesting {
 
-// Removes the files it was given when the test program ends.
-class TempFileRegistry {
- public:
-  ~TempFileRegistry() {
-    for (const std::string& path : paths_) std::remove(path.c_str());
-  }
-  void Add(const std::string& path) { paths_.push_back(path); }
-
- private:
-  std::vector<std::string> paths_;
-};
-
 // A path in the test temp directory, unique within this process run; the
 // file is removed when the program ends.
 inline std::string TempFilePath(const std::string& stem) {
   static std::atomic<int> counter{0};
-  static TempFileRegistry registry;
+  static struct Registry {
+    std::vector<std::string> paths;
+    ~Registry() {
+      for (const std::string& path : paths) std::remove(path.c_str());
+    }
+  } registry;
   std::ostringstream path;
   path << ::testing::TempDir() << "kx_" << stem << "_" << counter++;
 #ifndef _WIN32
   path << "_" << static_cast<long>(::getpid());
 #endif
-  registry.Add(path.str());
+  registry.paths.push_back(path.str());
   return path.str();
 }
 
@@ -75,6 +68,13 @@ inline std::string RunXmlLint(const std::string& options, const std::string& pat
   in.close();
   std::remove(outPath.c_str());
   return printed.str();
+}
+
+// Whether xmllint reads `text` as a well-formed document.
+inline bool XmlLintAccepts(const std::string& text) {
+  bool ok = false;
+  RunXmlLint("--noout", WriteTempFile("lint", text), ok);
+  return ok;
 }
 
 // Sets one category of the C locale (LC_CTYPE, LC_NUMERIC, ...) for its

@@ -26,25 +26,21 @@ struct LineCase {
 std::string Read(const LineCase& c, bool& ok) {
   std::istringstream in(c.text);
   const ReaderDialect& dialect = c.older ? OlderDialect() : CurrentDialect();
-  int integer = 5;
-  unsigned int count = 5;
-  long big = 5;
-  double real = 5;
-  std::string text = "stale";
-  bool flag = true;
+  const auto parse = [&](auto value) {
+    ok = ParseValue(in, value, dialect);
+    return value;
+  };
   char digits[32];
   switch (c.reader) {
     case kPrologue: ok = ParseStartXML(in, dialect); return c.value;
     case kStartObj: ok = ParseStartObj(in, c.value, dialect); return c.value;
     case kEndObj: ok = ParseEndObj(in, dialect); return c.value;
-    case kInt: ok = ParseValue(in, integer, dialect); return std::to_string(integer);
-    case kUnsigned: ok = ParseValue(in, count, dialect); return std::to_string(count);
-    case kLong: ok = ParseValue(in, big, dialect); return std::to_string(big);
-    case kDouble: ok = ParseValue(in, real, dialect);
-      std::snprintf(digits, sizeof digits, "%.17g", real);
-      return digits;
-    case kString: ok = ParseValue(in, text, dialect); return text;
-    case kBool: ok = ParseValue(in, flag, dialect); return flag ? "true" : "false";
+    case kInt: return std::to_string(parse(5));
+    case kUnsigned: return std::to_string(parse(5u));
+    case kLong: return std::to_string(parse(5L));
+    case kDouble: std::snprintf(digits, sizeof digits, "%.17g", parse(5.0)); return digits;
+    case kString: return parse(std::string("stale"));
+    case kBool: return parse(true) ? "true" : "false";
   }
   return "";
 }
