@@ -85,6 +85,15 @@ int XMLObj::WriteSubElement(std::ostream& os, double value) const {
   return 0;
 }
 
+int XMLObj::WriteExactSubElement(std::ostream& os, double value) const {
+  if (KXCommon::KXMV::IsMissing(value)) return WriteSubElement(os, value);
+  std::string attributeText;
+  detail::AppendAttribute(attributeText, kXMLValueAttribute,
+                          Format(value, true, "%.17g"));
+  WriteValueLine(os, kXMLDoubleElement, attributeText);
+  return 0;
+}
+
 int XMLObj::WriteSubElement(std::ostream& os, const std::string& value) const {
   std::string attributeText;
   detail::AppendAttribute(attributeText, kXMLValueAttribute, value);

@@ -61,6 +61,10 @@ class KXCOMMONR_API XMLObj {
   int WriteSubElement(std::ostream& os, long value) const;
   // Element Double; the system-missing value is written as "Missing".
   int WriteSubElement(std::ostream& os, double value) const;
+  // Element Double with 17 significant digits, so that every finite double
+  // reads back exactly through ParseValue(double); the system-missing value
+  // is written as "Missing". For formats that must round-trip a double.
+  int WriteExactSubElement(std::ostream& os, double value) const;
   // Element String, the text escaped as an attribute value.
   int WriteSubElement(std::ostream& os, const std::string& value) const;
   // As the string form (null writes the empty string). Without it a string

@@ -33,6 +33,8 @@ TEST(XMLObjTest, WritesTheObjectStreamExactly) {
   object.WriteSubElement(out, 1234567890123456789L);  // 15 significant digits
   object.WriteSubElement(out, 0.1);
   object.WriteSubElement(out, KXCommon::KXMV::Missing());
+  object.WriteExactSubElement(out, 0.1);
+  object.WriteExactSubElement(out, KXCommon::KXMV::Missing());
   object.WriteSubElement(out, std::string("two words <x=y>"));
   object.WriteSubElement(out, "");  // a literal is a string, not a bool
   object.WriteSubElement(out, static_cast<const char*>(nullptr));
@@ -49,6 +51,7 @@ TEST(XMLObjTest, WritesTheObjectStreamExactly) {
             "\t\t<Int value=\"-7\"/>\n\t\t<Int value=\"4294967295\"/>\n\t\t<Int value=\"1\"/>\n"
             "\t\t<Long value=\"123456789012345\"/>\n\t\t<Long value=\"1.23456789012346e+18\"/>\n"
             "\t\t<Double value=\"0.1\"/>\n\t\t<Double value=\"Missing\"/>\n"
+            "\t\t<Double value=\"0.10000000000000001\"/>\n\t\t<Double value=\"Missing\"/>\n"
             "\t\t<String value=\"two words &lt;x=y&gt;\"/>\n"
             "\t\t<String value=\"\"/>\n\t\t<String value=\"\"/>\n"
             "\t</Obj>\n<Obj name=\"Flat\">\n</Obj>\n"
