@@ -50,6 +50,10 @@ TEST(KXCatVarTest, EncoderCategoriesAndStatus) {
   EXPECT_EQ(text.GetEncoder()->GetEncoderType(), IKXEncoder::EncoderTypeString);
   EXPECT_EQ(unknown.GetEncoder()->GetEncoderType(), IKXEncoder::EncoderTypeString);
   EXPECT_EQ(numeric.GetVariableStorage(), IKXVariable::StorageUndefined);
+  EXPECT_TRUE(numeric.GetOrdinalFlag());
+  numeric.SetOrdinalFlag(false);
+  numeric.SetVariableLabel("Numbers");
+  EXPECT_EQ(numeric.GetVariableLabel() + (numeric.GetOrdinalFlag() ? "+" : "-"), "Numbers-");
 
   EXPECT_EQ(numeric.GetMissingValueReplacement(), nullptr);
   numeric.SetMissingValueReplacement("");

@@ -200,7 +200,15 @@ TEST(KXCategoryEncoderTest, Displays) {
   KXStringEncoder encoder;
   encoder.AddCategory("m", "male");
   encoder.AddMissingValue("?");
+  KXCatNumEncoder numeric;
+  numeric.AddCategory(1.5, "one and a half");
   kxtesting::DisplayCapture capture;
+  numeric.Display();
+  EXPECT_EQ(capture.Text(),
+            "\nNumeric category encoder\nNumber of categories = 1\nGrowing dictionary = true"
+            "\nUser-missing values (size = 0)\nCategory values (size = 1)\n  1.5"
+            "\nCategory labels (size = 1)\n  \"one and a half\"");
+  capture.Reset();
   encoder.Display();
   EXPECT_EQ(capture.Text(),
             "\nString category encoder\nNumber of categories = 1\nGrowing dictionary = true"

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <memory>
 #include <random>
 #include <string>
 #include <vector>
@@ -99,6 +100,11 @@ TEST(KXBinningEncoderTest, LearnsEqualWidthAndWeightedEqualFrequencyCuts) {
     ASSERT_TRUE(frequency.ComputeCutPoints());
     EXPECT_EQ(frequency.GetCutPoints(), ExpandedQuantiles(data, bins));
   }
+  const std::unique_ptr<KXMTD_NAMESPACE::IKXEncoder> clone(width.Clone());
+  EXPECT_EQ(clone->Encode(60.0), 2);
+  width.ClearData();
+  EXPECT_FALSE(width.ComputeCutPoints());
+  EXPECT_EQ(width.GetRequestedBins(), 4);
   KXBinningEncoder constant(KXBinningEncoder::EqualFrequency, 5);
   constant.AddValue(3, 2);
   constant.AddValue(3, 1);
@@ -126,6 +132,9 @@ TEST(KXRoundEncoderTest, RoundsByTheOptionAndRefusesBadWeights) {
   EXPECT_EQ(closest.Encode(std::string("3.6")), 4);
   EXPECT_EQ(closest.GetNumberOfCategories(), 0);
   EXPECT_FALSE(closest.SetRoundingOption(static_cast<IKXVariable::WRoundingOption>(3)));
+  EXPECT_TRUE(asIs.SetRoundingOption(IKXVariable::WRoundTruncate));
+  const std::unique_ptr<KXMTD_NAMESPACE::IKXEncoder> clone(asIs.Clone());
+  EXPECT_EQ(clone->Encode(2.7), 2);
   EXPECT_EQ(KXRoundEncoder(static_cast<IKXVariable::WRoundingOption>(-1)).GetRoundingOption(),
             IKXVariable::WRoundClosest);
 }

@@ -63,6 +63,22 @@ TEST(KXContVarTest, DefaultsBinsAndStatus) {
   const std::unique_ptr<IKXVariable> clone(cut.Clone());
   EXPECT_NE(clone->GetEncoder(), cut.GetEncoder());
   EXPECT_EQ(clone->GetEncoder()->Encode(7.0), 2);
+  KXContVar assigned = refused;
+  assigned = cut;
+  EXPECT_EQ(kxtesting::WrittenText(assigned), kxtesting::WrittenText(cut));
+  EXPECT_NE(assigned.GetEncoder(), cut.GetEncoder());
+
+  cut.SetVariableLabel("Cut");
+  cut.SetNBins(3);
+  cut.SetStdDev(2);
+  kxtesting::DisplayCapture capture;
+  cut.Display();
+  EXPECT_EQ(capture.Text(),
+            "\nContinuous variable: name = x\nLabel = Cut\nVariable role = Input"
+            "\nVariable storage = Undefined variable storage\nNumber of bins = 3\nMinimum = 1"
+            "\nMaximum = 9\nMean = miss\nStandard deviation = 2\nCut points (size = 2)\n  3 6"
+            "\nContinuous encoder\nBinned = true\nNumber of categories = 3"
+            "\nCut points (size = 2)\n  = 3\n  = 6\nUser-missing values (size = 0)");
 }
 
 TEST(KXContVarTest, RoundTripsWithoutRoleAndAcceptsNoEncoder) {
