@@ -153,6 +153,12 @@ TEST(KXWeightVarTest, HasNoCategoriesAndRoundTrips) {
   EXPECT_EQ(weight.UpdateNumberOfCategories(), 0);
 
   KXWeightVar read("r", "", IKXVariable::WRoundAsIs);
+  read = weight;  // copies are deep: each holds its own encoder
+  const std::unique_ptr<IKXVariable> clone(read.Clone());
+  EXPECT_EQ(kxtesting::WrittenText(*clone), kxtesting::WrittenText(weight));
+  EXPECT_NE(clone->GetEncoder(), weight.GetEncoder());
+  EXPECT_EQ(clone->GetVarStatus(), IKXVariable::VarStatusValid);
+  read = KXWeightVar("r", "", IKXVariable::WRoundAsIs);
   kxtesting::ExpectRoundTrip(weight, read);
   EXPECT_EQ(read.GetRoundEncoder().GetRoundingOption(), IKXVariable::WRoundTruncate);
   EXPECT_EQ(kxtesting::ReadFromText(read, kxtesting::WrittenText(weight)).result, 1 + 3 + 3 + 1);
