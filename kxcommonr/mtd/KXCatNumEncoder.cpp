@@ -2,6 +2,7 @@
 
 #include "kxcommonr/common/display/KXComponentDisplay.h"
 #include "kxcommonr/mtd/internal/KXCategoryIO.h"
+#include "kxcommonr/records/RawData.h"
 
 namespace KXMTD_NAMESPACE {
 
@@ -23,7 +24,7 @@ double KXCatNumEncoder::Encode(double raw) {
 
 double KXCatNumEncoder::Encode(const std::string& raw) {
   double value = 0.0;
-  return detail::ParseNumber(raw, value) ? Encode(value) : KXCommon::KXMV::Missing();
+  return RawData::ParseReal(raw, value) ? Encode(value) : KXCommon::KXMV::Missing();
 }
 
 int KXCatNumEncoder::WriteObjectXML(std::ostream& os, int indent) const {

@@ -5,7 +5,7 @@
 
 #include "kxcommonr/common/display/KXComponentDisplay.h"
 #include "kxcommonr/common/foundation/KXMV.h"
-#include "kxcommonr/mtd/internal/KXCategoryIO.h"
+#include "kxcommonr/records/RawData.h"
 #include "kxcommonr/mtd/internal/KXObjectIO.h"
 
 namespace KXMTD_NAMESPACE {
@@ -54,7 +54,7 @@ double KXContEncoder::Encode(double raw) {
 
 double KXContEncoder::Encode(const std::string& raw) {
   double value = 0.0;
-  return detail::ParseNumber(raw, value) ? Encode(value) : KXCommon::KXMV::Missing();
+  return RawData::ParseReal(raw, value) ? Encode(value) : KXCommon::KXMV::Missing();
 }
 
 bool KXContEncoder::SetCutPoints(const std::vector<double>& cutPoints) {

@@ -4,7 +4,7 @@
 
 #include "kxcommonr/common/display/KXComponentDisplay.h"
 #include "kxcommonr/common/foundation/KXMV.h"
-#include "kxcommonr/mtd/internal/KXCategoryIO.h"
+#include "kxcommonr/records/RawData.h"
 #include "kxcommonr/mtd/internal/KXObjectIO.h"
 
 namespace KXMTD_NAMESPACE {
@@ -41,7 +41,7 @@ double KXRoundEncoder::Encode(double raw) {
 
 double KXRoundEncoder::Encode(const std::string& raw) {
   double value = 0.0;
-  return detail::ParseNumber(raw, value) ? Encode(value) : KXCommon::KXMV::Missing();
+  return RawData::ParseReal(raw, value) ? Encode(value) : KXCommon::KXMV::Missing();
 }
 
 int KXRoundEncoder::WriteObjectXML(std::ostream& os, int indent) const {

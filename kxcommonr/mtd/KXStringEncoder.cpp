@@ -4,6 +4,7 @@
 
 #include "kxcommonr/common/display/KXComponentDisplay.h"
 #include "kxcommonr/mtd/internal/KXCategoryIO.h"
+#include "kxcommonr/records/RawData.h"
 
 namespace KXMTD_NAMESPACE {
 
@@ -20,7 +21,9 @@ IKXEncoder* KXStringEncoder::Clone() const { return new KXStringEncoder(*this); 
 
 double KXStringEncoder::Encode(double raw) {
   if (!IsCategoryValue(raw)) return KXCommon::KXMV::Missing();
-  return Encode(detail::NumberText(CategoryKey(raw)));
+  std::string text;
+  RawData::FromReal(CategoryKey(raw)).AsString(text);
+  return Encode(text);
 }
 
 double KXStringEncoder::Encode(const std::string& raw) {

@@ -1,8 +1,7 @@
 // kxcommonr/mtd/internal/KXCategoryIO.h
 //
-// The raw-value conversions and the saved form shared by the categorical
-// encoders (the categorical body: growing flag, user-missing values,
-// categories with labels).
+// The saved form shared by the categorical encoders (the categorical body:
+// growing flag, user-missing values, categories with labels).
 #ifndef KXCOMMONR_MTD_INTERNAL_KXCATEGORYIO_H
 #define KXCOMMONR_MTD_INTERNAL_KXCATEGORYIO_H
 
@@ -13,12 +12,6 @@
 
 namespace KXMTD_NAMESPACE {
 namespace detail {
-
-// Reads the whole of `text` (blanks around it allowed) as a decimal number
-// independent of the locale; false for anything else.
-bool ParseNumber(const std::string& text, double& value);
-// The shortest text of a finite `value` that reads back to it.
-std::string NumberText(double value);
 
 // Value lines of the two kinds of category value.
 inline void WriteCategoryValue(ObjectWriter& out, double value) { out.Exact(value); }
