@@ -97,7 +97,7 @@ int KXBinningEncoder::ReadObjectXML(std::ifstream& is) {
     *this = read;
     return in.Items();
   }
-  return detail::EncoderReadFailed(kObjectName);
+  return detail::ReportReadFailure(kObjectName);
 }
 
 void KXBinningEncoder::Display() const {

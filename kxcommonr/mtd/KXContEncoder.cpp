@@ -119,7 +119,7 @@ int KXContEncoder::ReadObjectXML(std::ifstream& is) {
     *this = read;
     return in.Items();
   }
-  return detail::EncoderReadFailed(kObjectName);
+  return detail::ReportReadFailure(kObjectName);
 }
 
 void KXContEncoder::DisplayBins() const {

@@ -57,7 +57,7 @@ int KXRoundEncoder::ReadObjectXML(std::ifstream& is) {
     fOption = static_cast<IKXVariable::WRoundingOption>(option);
     return in.Items();
   }
-  return detail::EncoderReadFailed(kObjectName);
+  return detail::ReportReadFailure(kObjectName);
 }
 
 void KXRoundEncoder::Display() const {

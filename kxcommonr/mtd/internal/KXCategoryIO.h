@@ -55,7 +55,7 @@ int ReadCategoryObject(Encoder& encoder, const char* name, std::ifstream& is) {
     ok = ReadCategoryValue(in, value) && in.Text(label) && read.AddNewCategory(value, label);
   }
   ok = ok && in.End();
-  if (!ok) return EncoderReadFailed(name);
+  if (!ok) return ReportReadFailure(name);
   read.SetGrowing(growing);
   encoder = std::move(read);
   return in.Items();

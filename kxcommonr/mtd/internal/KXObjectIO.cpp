@@ -66,7 +66,7 @@ bool DecodeTextPiece(const std::string& piece, std::string& out, bool& more) {
   return true;
 }
 
-int EncoderReadFailed(const char* name) {
+int ReportReadFailure(const char* name) {
   std::cerr << "Failure reading " << name << "!\n";
   return -1;
 }

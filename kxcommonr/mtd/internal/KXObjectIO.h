@@ -32,9 +32,9 @@ std::string EncodeText(const std::string& text);
 // in the continuation mark. False for a malformed escape.
 bool DecodeTextPiece(const std::string& piece, std::string& out, bool& more);
 
-// Writes "Failure reading <name>!" to the standard error stream; returns -1,
-// an encoder's failed read.
-int EncoderReadFailed(const char* name);
+// Writes "Failure reading <name>!" to the standard error stream and returns
+// -1: the failed read of an object that does not throw (encoders, statistics).
+int ReportReadFailure(const char* name);
 
 // Writes "message" to `stream` and throws a new IOException.
 [[noreturn]] void FailRead(std::ostream& stream, const char* message);
