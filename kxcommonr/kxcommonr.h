@@ -48,6 +48,10 @@
 #include "kxcommonr/xml/XMLWriter.h"
 #include "kxcommonr/xml/XMLReader.h"
 #include "kxcommonr/xml/XMLUReader.h"
+#include "kxcommonr/records/RawData.h"
+#include "kxcommonr/records/RawRecord.h"
+#include "kxcommonr/records/IKXRecordIterator.h"
+#include "kxcommonr/records/KXTextRecordIterator.h"
 #include "kxcommonr/mtd/IOException.h"
 #include "kxcommonr/mtd/IKXEncoder.h"
 #include "kxcommonr/mtd/IKXVariable.h"
@@ -62,5 +66,9 @@
 #include "kxcommonr/mtd/KXCatVar.h"
 #include "kxcommonr/mtd/KXContVar.h"
 #include "kxcommonr/mtd/KXWeightVar.h"
+#include "kxcommonr/mtd/KXCaseCounts.h"
+#include "kxcommonr/mtd/KXContStats.h"
+#include "kxcommonr/mtd/KXUniStats.h"
+#include "kxcommonr/mtd/KXVarList.h"
 
 #endif  // KXCOMMONR_KXCOMMONR_H

@@ -59,6 +59,23 @@ bool KXContStats::Add(double value, double weight) {
   return true;
 }
 
+void KXContStats::MergeMoments(double weight, double mean, double m2, double m3, double m4) {
+  const double a = fCounts.weight, b = weight, n = a + b;
+  const double delta = mean - fdMean;
+  const double share = delta * b / n;
+  const double term = delta * share * a;  // delta^2 a b / n
+  if (fiMoments == 4) {
+    const double shareA = delta * a / n;
+    fdM4 += m4 + term * delta * delta * (a * a - a * b + b * b) / (n * n) +
+            6.0 * (share * share * fdM2 + shareA * shareA * m2) +
+            4.0 * (shareA * m3 - share * fdM3);
+    fdM3 += m3 + term * delta * (a - b) / n + 3.0 * (shareA * m2 - share * fdM2);
+  }
+  fdM2 += m2 + term;
+  fdMean += share;
+  fCounts.weight = n;
+}
+
 bool KXContStats::Merge(const KXContStats& other) {
   if (other.fiMoments != fiMoments) return false;
   if (other.fCounts.valid > 0) {
@@ -68,24 +85,75 @@ bool KXContStats::Merge(const KXContStats& other) {
       fCounts.Add(counts);
       return true;
     }
-    const double a = fCounts.weight, b = other.fCounts.weight, n = a + b;
-    const double delta = (other.fdShift - fdShift) + (other.fdMean - fdMean);
-    const double share = delta * b / n;
-    const double term = delta * share * a;  // delta^2 a b / n
-    if (fiMoments == 4) {
-      const double shareA = delta * a / n;
-      fdM4 += other.fdM4 + term * delta * delta * (a * a - a * b + b * b) / (n * n) +
-              6.0 * (share * share * fdM2 + shareA * shareA * other.fdM2) +
-              4.0 * (share * fdM3 * -1.0 + shareA * other.fdM3);
-      fdM3 += other.fdM3 + term * delta * (a - b) / n + 3.0 * (shareA * other.fdM2 - share * fdM2);
-    }
-    fdM2 += other.fdM2 + term;
-    fdMean += share;
+    MergeMoments(other.fCounts.weight, (other.fdShift - fdShift) + other.fdMean, other.fdM2,
+                 other.fdM3, other.fdM4);
     fdMin = other.fdMin < fdMin ? other.fdMin : fdMin;
     fdMax = other.fdMax > fdMax ? other.fdMax : fdMax;
+    fCounts.valid += other.fCounts.valid;
   }
-  fCounts.Add(other.fCounts);
+  fCounts.missing += other.fCounts.missing;
+  fCounts.missingWeight += other.fCounts.missingWeight;
   return true;
+}
+
+std::size_t KXContStats::Add(const double* values, const double* weights, std::size_t n) {
+  constexpr std::size_t kBlock = 256;
+  double x[kBlock], w[kBlock];
+  std::size_t taken = 0;
+  for (std::size_t start = 0; start < n; start += kBlock) {
+    const std::size_t end = start + kBlock < n ? start + kBlock : n;
+    std::size_t m = 0;
+    for (std::size_t i = start; i < end; ++i) {
+      const double weight = weights != nullptr ? weights[i] : 1.0;
+      if (!std::isfinite(weight) || weight < 0.0) continue;
+      ++taken;
+      if (weight == 0.0) continue;
+      const double value = values[i];
+      if (!IsValue(value)) {
+        ++fCounts.missing;
+        fCounts.missingWeight += weight;
+        continue;
+      }
+      if (fCounts.valid == 0 && m == 0) fdMin = fdMax = fdShift = value;
+      fdMin = value < fdMin ? value : fdMin;
+      fdMax = value > fdMax ? value : fdMax;
+      x[m] = value - fdShift;
+      w[m] = weight;
+      ++m;
+    }
+    if (m == 0) continue;
+    double total = 0.0, sum = 0.0;
+    for (std::size_t k = 0; k < m; ++k) {
+      total += w[k];
+      sum += w[k] * x[k];
+    }
+    const double mean = sum / total;
+    double m2 = 0.0, m3 = 0.0, m4 = 0.0;
+    if (fiMoments == 4) {
+      for (std::size_t k = 0; k < m; ++k) {
+        const double d = x[k] - mean, wd2 = w[k] * d * d;
+        m2 += wd2;
+        m3 += wd2 * d;
+        m4 += wd2 * d * d;
+      }
+    } else {
+      for (std::size_t k = 0; k < m; ++k) {
+        const double d = x[k] - mean;
+        m2 += w[k] * d * d;
+      }
+    }
+    if (fCounts.valid == 0) {
+      fCounts.weight = total;
+      fdMean = mean;
+      fdM2 = m2;
+      fdM3 = m3;
+      fdM4 = m4;
+    } else {
+      MergeMoments(total, mean, m2, m3, m4);
+    }
+    fCounts.valid += static_cast<std::int64_t>(m);
+  }
+  return taken;
 }
 
 double KXContStats::GetMin() const { return fdMin; }

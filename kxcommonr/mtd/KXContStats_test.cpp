@@ -135,7 +135,19 @@ TEST(KXContStatsTest, WeightedMomentsAndMergesAgreeWithTwoPasses) {
       static_cast<double>(ref.mean), static_cast<double>(ref.m2 / (w - 1)),
       static_cast<double>(std::sqrt(w * (w - 1)) / (w - 2) * g1),
       static_cast<double>((w - 1) / ((w - 2) * (w - 3)) * ((w + 1) * g2 + 6))};
-  KXContStats whole, parts[3], merged;
+  KXContStats whole, parts[3], merged, bulk;
+  std::vector<double> values, weights;
+  for (const auto& d : data) {
+    values.push_back(d.first);
+    weights.push_back(d.second);
+  }
+  values.push_back(KXMV::Missing());
+  weights.push_back(2);
+  weights[7] = -1;  // refused: skipped
+  EXPECT_EQ(bulk.Add(values.data(), weights.data(), values.size()), values.size() - 1);
+  weights[7] = data[7].second;
+  bulk.Add(values.data() + 7, weights.data() + 7, 1);
+  EXPECT_EQ(bulk.GetCounts().missing, 1);
   for (std::size_t i = 0; i < data.size(); ++i) {
     whole.Add(data[i].first, data[i].second);
     parts[i < 100 ? 0 : i < 4000 ? 1 : 2].Add(data[i].first, data[i].second);
@@ -144,11 +156,16 @@ TEST(KXContStatsTest, WeightedMomentsAndMergesAgreeWithTwoPasses) {
   merged.Merge(KXContStats());
   merged.Merge(parts[0]);
   merged.Merge(parts[1]);
-  for (const KXContStats* s : {&whole, &merged}) {
+  for (const KXContStats* s : {&whole, &merged, &bulk}) {
     const double got[] = {s->GetMean(), s->GetVariance(), s->GetSkewness(), s->GetKurtosis()};
     for (int k = 0; k < 4; ++k) EXPECT_NEAR(got[k], expected[k], 1e-12 * std::fabs(expected[k])) << k;
     EXPECT_EQ(s->GetCounts().weight, static_cast<double>(w));
   }
+  EXPECT_EQ(bulk.GetCounts().valid, whole.GetCounts().valid);
+  EXPECT_EQ(bulk.GetMin(), whole.GetMin());
+  KXContStats ones(2);
+  ones.Add(values.data(), nullptr, 3);
+  EXPECT_EQ(ones.GetCounts().weight, 3);
   EXPECT_EQ(merged.GetMin(), whole.GetMin());
   EXPECT_EQ(merged.GetMax(), whole.GetMax());
   EXPECT_FALSE(merged.Merge(KXContStats(2)));
