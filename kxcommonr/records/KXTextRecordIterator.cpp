@@ -8,6 +8,9 @@ namespace KXMTD_NAMESPACE {
 
 namespace {
 
+// The buffer starts small and doubles while reads fill it, up to kBlock (or
+// beyond, for a record longer than half the buffer).
+constexpr std::size_t kFirstBlock = std::size_t(1) << 16;
 constexpr std::size_t kBlock = std::size_t(1) << 20;
 
 const char* TypeWord(RawData::Type type) {
@@ -116,9 +119,16 @@ bool KXTextRecordIterator::Refill() {
     fiEnd -= fiPos;
     fiPos = 0;
   }
-  if (fvBuffer.size() - fiEnd < kBlock / 2) fvBuffer.resize(std::max(kBlock, 2 * fvBuffer.size()));
-  fIn.read(fvBuffer.data() + fiEnd, static_cast<std::streamsize>(fvBuffer.size() - fiEnd));
+  const std::size_t size = fvBuffer.size();
+  if (size == 0) {
+    fvBuffer.resize(kFirstBlock);
+  } else if (2 * fiEnd > size || (fbFilled && size < kBlock)) {
+    fvBuffer.resize(2 * size);
+  }
+  const std::size_t room = fvBuffer.size() - fiEnd;
+  fIn.read(fvBuffer.data() + fiEnd, static_cast<std::streamsize>(room));
   const std::size_t got = static_cast<std::size_t>(fIn.gcount());
+  fbFilled = got == room;
   fiEnd += got;
   if (got == 0 || !fIn) fbEof = true;
   return true;

@@ -29,8 +29,8 @@
 //   line 12: a quoted field is not closed before the end of the data
 // Nothing is skipped silently. Numbers are read independent of the locale.
 //
-// Reads the stream in blocks of 1 MiB; a record refills no allocation once
-// its strings have grown, and a field is parsed in place.
+// Reads the stream in blocks growing to 1 MiB; a record needs no allocation
+// once its strings have grown, and a field is parsed in place.
 #ifndef KXCOMMONR_RECORDS_KXTEXTRECORDITERATOR_H
 #define KXCOMMONR_RECORDS_KXTEXTRECORDITERATOR_H
 
@@ -99,6 +99,7 @@ class KXCOMMONR_API KXTextRecordIterator : public IKXRecordIterator {
   std::vector<char> fvBuffer;
   std::size_t fiPos = 0, fiEnd = 0;
   bool fbEof = false;
+  bool fbFilled = false;  // the last read filled all the room it had
   long fiLine = 1;        // line of the next record
   long fiRecordLine = 0;  // line of the record in fvFields
   std::vector<Field> fvFields;
