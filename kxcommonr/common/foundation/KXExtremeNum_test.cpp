@@ -42,6 +42,13 @@ TEST(KXExtremeNumTest, SumSqRootAtAnyScaleAndItsRefusals) {
       EXPECT_EQ(scaled, std::ldexp(result, exponent)) << exponent;
     }
   }
+  // Terms beyond the double range whose root is in it: -M^2 + 2 M^2 = M^2.
+  const double largest = std::numeric_limits<double>::max();
+  double result = 0;
+  ASSERT_TRUE(SumSqRoot(-largest, -1, -largest, 2, result));
+  EXPECT_EQ(result, largest);
+  ASSERT_TRUE(SumSqRoot(1e-300, 1e-300, 0, 0, result));  // 1e-450: below the range
+  EXPECT_EQ(result, 0);
 }
 
 }  // namespace

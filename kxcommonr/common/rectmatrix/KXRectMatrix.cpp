@@ -4,6 +4,8 @@
 // live in KXRectMatrixProducts.cpp, the rank tools in KXRectMatrixRank.cpp.
 #include "kxcommonr/common/rectmatrix/KXRectMatrix.h"
 
+#include "kxcommonr/common/foundation/KXAllocation.h"
+
 #include <cmath>
 #include <new>
 #include <stdexcept>
@@ -19,15 +21,11 @@ namespace {
 
 // Allocates rows * cols zeros into v; false (v untouched) on failure.
 bool AllocateZeros(std::vector<double>& v, int rows, int cols) {
-  try {
+  return GuardAllocation([&] {
     std::vector<double> fresh(static_cast<std::size_t>(rows) * static_cast<std::size_t>(cols), 0.0);
     v.swap(fresh);
     return true;
-  } catch (const std::bad_alloc&) {
-    return false;
-  } catch (const std::length_error&) {
-    return false;
-  }
+  }, false);
 }
 
 }  // namespace
@@ -300,7 +298,7 @@ bool KXRectMatrix::CopyColToRow(int srcCol, KXRectMatrix& dst, int dstRow) const
 bool KXRectMatrix::CopyColToVec(int col, std::vector<double>& v, int start) const {
   if (!ValidCol(col) || start < 0) return false;
   const std::size_t end = static_cast<std::size_t>(start) + static_cast<std::size_t>(nRows);
-  if (v.size() < end) v.resize(end, 0.0);
+  if (v.size() < end && !TryResize(v, end, 0.0)) return false;
   for (int i = 0; i < nRows; ++i) v[static_cast<std::size_t>(start) + static_cast<std::size_t>(i)] = data[Offset(i, col)];
   return true;
 }

@@ -143,7 +143,8 @@ class KXCOMMONR_API KXRectMatrix : public KXRectMatrixData {
   // index is out of range or nRows differs from dst's column count.
   bool CopyColToRow(int srcCol, KXRectMatrix& dst, int dstRow) const;
   // Column col into v[start .. start+nRows-1]; v grows when shorter. False
-  // (v unchanged) when col is out of range or start < 0.
+  // (v unchanged) when col is out of range, start < 0 or the memory for a
+  // longer v cannot be had.
   bool CopyColToVec(int col, std::vector<double>& v, int start) const;
   // count columns of src, from srcFirst, over the columns of this matrix
   // from dstFirst. False (nothing changed) when a range is out of bounds,

@@ -257,13 +257,15 @@ class KXCOMMONR_API KXSymMatrix : public KXSymMatrixData {
   // elimination with row pivoting on a copy (the matrix is not changed).
   // False (x unchanged) when tol <= 0, b has fewer than n elements, or a
   // pivot's magnitude does not exceed tol times the largest magnitude of
-  // the matrix (numerically singular).
+  // the matrix (numerically singular), or the solution is beyond the double
+  // range.
   bool SolveIndefinite(double tol, const std::vector<double>& b,
                        std::vector<double>& x);
   // Solves the subsystem on the rows whose bit is set (for example the
   // accepted rows of LTChol); the other components of x are 0. The matrix
   // is not changed. False (x unchanged) when the set has fewer than n bits,
-  // b fewer than n elements, or the subsystem is exactly singular.
+  // b fewer than n elements, the subsystem is exactly singular, or the
+  // solution is beyond the double range.
   bool SolveIndefinite(const KXBitSet& nonRedundant,
                        const std::vector<double>& b, std::vector<double>& x);
   // Solution by generalised inverse x = G b: Gauss-Jordan pivots on the
@@ -273,7 +275,8 @@ class KXCOMMONR_API KXSymMatrix : public KXSymMatrixData {
   // consistent system whose dependent rows are left unpivoted. (A residual
   // block with a zero diagonal, as in [[0, 1], [1, 0]], gets no pivot: use
   // SolveIndefinite(tol, ...) for such nonsingular matrices.) The matrix is
-  // not changed. False (x unchanged) when tol <= 0 or b is too short.
+  // not changed. False (x unchanged) when tol <= 0, b is too short, or the
+  // solution is beyond the double range.
   bool SolveIndefiniteGI(double tol, const std::vector<double>& b,
                          std::vector<double>& x);
   // Makes the matrix positive definite by adding a ridge to its diagonal
@@ -460,7 +463,8 @@ class KXCOMMONR_API KXSymMatrix : public KXSymMatrixData {
                     double c, bool fullRow) const;
   // Copies elements (first..last, col) of column col into out[outStart ..]
   // (out grows when shorter). False (out unchanged) when an index is out of
-  // range, first > last or outStart < 0.
+  // range, first > last, outStart < 0 or the memory for a longer out cannot
+  // be had.
   bool GetPCol(int col, int first, int last, std::vector<double>& out,
                int outStart) const;
   // The full n x n matrix, row-major, into full (resized to n*n).

@@ -6,6 +6,8 @@
 // are tested in the packed component.
 #include <gtest/gtest.h>
 
+#include <limits>
+
 #include <algorithm>
 #include <cmath>
 #include <random>
@@ -378,6 +380,13 @@ TEST(KXSymMatrixSolve, SolversOnSingularIndefiniteAndRefusedSystems) {
   ASSERT_TRUE(ones.SolveIndefinite(rows, {4, 5, 6}, x));
   EXPECT_EQ(x, (std::vector<double>{0, 5, 0}));
   EXPECT_FALSE(ones.SolveIndefinite(KXBitSet(2), {4, 5, 6}, x));
+  // A solution beyond the double range (a matrix of denormal numbers) is
+  // refused, not returned as infinities and NaNs.
+  const double tiny = std::numeric_limits<double>::denorm_min();
+  KXSymMatrix denormal = FromPacked(3, {5 * tiny, 2 * tiny, 5 * tiny, 3 * tiny, 3 * tiny, 5 * tiny});
+  EXPECT_FALSE(denormal.SolveIndefinite(tiny, {1, 1, 1}, x) ||
+               denormal.SolveIndefiniteGI(tiny, {1, 1, 1}, x));
+  EXPECT_EQ(x, (std::vector<double>{0, 5, 0}));
   // Generalised-inverse solution of a consistent singular system: A x = b.
   const Dense a = DependentCrossProducts(12, {5}, 21);
   const std::vector<double> b = Times(a, RandomVector(12, 8));

@@ -15,6 +15,8 @@
 #include "kxcommonr/common/foundation/KXMV.h"
 #include "kxcommonr/common/packed/KXPackedLayout.h"
 #include "kxcommonr/common/symmatrix/KXSymMatrix.h"
+
+#include "kxcommonr/common/foundation/KXAllocation.h"
 #include "kxcommonr/common/symmatrix/internal/KXSymKernels.h"
 
 namespace KXCommon {
@@ -639,7 +641,7 @@ bool KXSymMatrix::GetPCol(int col, int first, int last,
     return false;
   const std::size_t count = static_cast<std::size_t>(last - first) + 1;
   const std::size_t base = static_cast<std::size_t>(outStart);
-  if (out.size() < base + count) out.resize(base + count, 0.0);
+  if (out.size() < base + count && !TryResize(out, base + count, 0.0)) return false;
   for (std::size_t r = 0; r < count; ++r) {
     out[base + r] = At(data, static_cast<std::size_t>(first) + r,
                        static_cast<std::size_t>(col));

@@ -63,6 +63,16 @@ bool DenseSolve(std::vector<double>& a, std::vector<double>& x, std::size_t m,
 
 // Solves the subsystem of the packed matrix on the rows in idx (increasing)
 // densely; components outside idx are 0. False when singular at threshold.
+// True when every element is finite: a solution beyond the double range
+// (a matrix of denormal numbers, say) is refused rather than returned as
+// infinities and NaNs.
+bool AllFinite(const std::vector<double>& v) {
+  for (const double e : v) {
+    if (!std::isfinite(e)) return false;
+  }
+  return true;
+}
+
 bool SolveOnRows(const std::vector<double>& packed, int n, const std::vector<int>& idx,
                  const std::vector<double>& b, double relativeTol,
                  std::vector<double>& x) {
@@ -79,6 +89,7 @@ bool SolveOnRows(const std::vector<double>& packed, int n, const std::vector<int
   if (m > 0 && !DenseSolve(dense, rhs, m, relativeTol * largest)) return false;
   std::vector<double> solution(static_cast<std::size_t>(n), 0.0);
   for (std::size_t r = 0; r < m; ++r) solution[static_cast<std::size_t>(idx[r])] = rhs[r];
+  if (!AllFinite(solution)) return false;
   x.swap(solution);
   return true;
 }
@@ -172,6 +183,7 @@ bool KXSymMatrix::SolveIndefiniteGI(double tol, const std::vector<double>& b,
         if (swept[j]) s -= SymAt(a, i, j) * b[j];
       solution[i] = s;
     }
+    if (!AllFinite(solution)) return false;
     x.swap(solution);
     return true;
   } catch (const std::bad_alloc&) {

@@ -79,6 +79,17 @@ void Blas1::DRotG(double* a, double* b, double* c, double* s) {
     *c = 1.0;
     *s = 0.0;
     r = 0.0;
+  } else if (std::isinf(scale) && std::isfinite(*a) && std::isfinite(*b)) {
+    // |a| + |b| overflows: scale by the larger instead, and take c and s
+    // from the scaled values (r itself may be beyond the double range).
+    const double larger = std::fmax(std::fabs(*a), std::fabs(*b));
+    const double aScaled = *a / larger;
+    const double bScaled = *b / larger;
+    double rScaled = std::sqrt(aScaled * aScaled + bScaled * bScaled);
+    if (roe < 0) rScaled = -rScaled;
+    *c = aScaled / rScaled;
+    *s = bScaled / rScaled;
+    r = larger * rScaled;
   } else {
     const double aScaled = *a / scale;
     const double bScaled = *b / scale;

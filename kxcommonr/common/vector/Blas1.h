@@ -64,7 +64,10 @@ class KXCOMMONR_API Blas1 {
   static void DRot(int n, double* x, int incx, double* y, int incy, double c,
                    double s);
   // Constructs a Givens rotation from (a, b): on return *a holds r, *b holds
-  // z, and *c, *s the rotation.
+  // z, and *c, *s the rotation. For finite a and b whose |a| + |b| overflows
+  // (two missing values, say) the rotation is still exact to rounding and r
+  // is +-infinity when sqrt(a^2 + b^2) is beyond the double range; a NaN or
+  // infinite argument gives NaN.
   static void DRotG(double* a, double* b, double* c, double* s);
   // x *= a. Nothing when n < 1 or inc < 1.
   static void DScal(int n, double a, double* x, int inc);

@@ -238,12 +238,17 @@ TEST(Blas1Test, GivensRotation) {
       {3, 4, 5, 1 / 0.6, 0.6, 0.8},     {4, 3, 5, 0.6, 0.8, 0.6},      {-3, 4, 5, -1 / 0.6, -0.6, 0.8},
       {3, -4, -5, -1 / 0.6, -0.6, 0.8}, {0, 0, 0, 0, 1, 0},            {0, 2, 2, 1, 0, 1},
       {-4, -3, -5, 0.6, 0.8, 0.6},      {4, -4, 4 / root, -root, root, -root},
-      {3e200, 4e200, 5e200, 1 / 0.6, 0.6, 0.8}, {-3e-200, 4e-200, 5e-200, -1 / 0.6, -0.6, 0.8}};
+      {3e200, 4e200, 5e200, 1 / 0.6, 0.6, 0.8}, {-3e-200, 4e-200, 5e-200, -1 / 0.6, -0.6, 0.8},
+      // |a| + |b| beyond the range: the rotation stays exact, r overflows.
+      {1.2e308, 1.6e308, HUGE_VAL, 1 / 0.6, 0.6, 0.8},
+      {-1.7976931348623157e308, -1.7976931348623157e308, -HUGE_VAL, 1 / root, root, root}};
   for (const auto& t : cases) {
     double a = t[0], b = t[1], c = -9, s = -9;
     Blas1::DRotG(&a, &b, &c, &s);
     const double got[4] = {a, b, c, s};
-    for (int k = 0; k < 4; ++k) EXPECT_TRUE(NearRel(got[k], t[k + 2], kxtesting::kMedium)) << t[0] << t[1];
+    for (int k = 0; k < 4; ++k) {
+      EXPECT_TRUE(got[k] == t[k + 2] || NearRel(got[k], t[k + 2], kxtesting::kMedium)) << t[0] << t[1];
+    }
   }
 }
 
