@@ -18,6 +18,7 @@
 #include <vector>
 
 #include "PeerLibraries.h"
+#include "kxcommonr/common/sparse/KXSparseVector.h"
 #include "kxcommonr/common/symmatrix/KXSymMatrix.h"
 
 namespace {
@@ -156,5 +157,35 @@ BENCHMARK(BM_ComputeVSV)->Apply(Orders);
 BENCHMARK_CAPTURE(BM_DspmvDdot, openblas, kxbench::OpenBlas())->Apply(Orders);
 
 }  // namespace
+
+// A dummy-coded case at p = 70: 19 numeric predictors, a factor of 50 levels
+// (one dummy set) and the response. The layout puts the factor first, as a
+// model with the factor entered first has it.
+KXCommon::KXSparseVector FactorCase() {
+  KXCommon::KXSparseVector x(70);
+  x.Append(17, 1.0);                                      // the case's level
+  for (int i = 50; i < 70; ++i) x.Append(i, 0.37 * i - 11.0);  // numeric predictors, response
+  return x;
+}
+
+void BM_FactorCaseSparse(benchmark::State& state) {
+  const KXCommon::KXSparseVector x = FactorCase();
+  KXCommon::KXSymMatrix sscp(70);
+  for (auto _ : state) {
+    x.UpdateXX(sscp, 1.0);
+    benchmark::ClobberMemory();
+  }
+}
+BENCHMARK(BM_FactorCaseSparse);
+
+void BM_FactorCaseDense(benchmark::State& state) {
+  const std::vector<double> x = FactorCase().ToDense();
+  KXCommon::KXSymMatrix sscp(70);
+  for (auto _ : state) {
+    sscp.UpdateXX(x, 1.0);
+    benchmark::ClobberMemory();
+  }
+}
+BENCHMARK(BM_FactorCaseDense);
 
 BENCHMARK_MAIN();

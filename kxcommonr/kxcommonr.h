@@ -32,6 +32,7 @@
 #include "kxcommonr/common/dist/KXDistFun.h"
 
 // Random numbers
+#include "kxcommonr/common/sparse/KXSparseVector.h"
 #include "kxcommonr/common/random/KXRandom.h"
 #include "kxcommonr/common/random/KXRandomTwister.h"
 #include "kxcommonr/common/random/KXURandom.h"
