@@ -89,6 +89,20 @@ double PolyEta(const double* c, int n, double eta) {
   return sum;
 }
 
+// exp(hi) * exp(lo) for a value split as hi + lo (hi <= 0 large, lo the
+// correction). Far from the mode with a large a, lo alone can pass 700
+// while hi is far below -700: its whole part then moves into hi, exactly
+// (hi + m stays on hi's grid), so neither factor overflows and the product
+// is the honest 0 or tiny value instead of 0 times infinity.
+double ExpOfSum(double hi, double lo) {
+  if (lo > 700.0) {
+    const double whole = std::floor(lo);
+    hi += whole;
+    lo -= whole;
+  }
+  return std::exp(hi) * std::exp(lo);
+}
+
 // Returns false (leaving lower and upper alone) outside the range above.
 bool IncGammaTemme(double a, double x, double& lower, double& upper) {
   if (a < 1e4) return false;
@@ -114,7 +128,7 @@ bool IncGammaTemme(double a, double x, double& lower, double& upper) {
   const double series = PolyEta(kTemmeC0, 10, eta) +
                         (PolyEta(kTemmeC1, 8, eta) +
                          PolyEta(kTemmeC2, 6, eta) / a) / a;
-  const double r = std::exp(hi) * std::exp(lo) / std::sqrt(kTwoPi * a) * series;
+  const double r = ExpOfSum(hi, lo) / std::sqrt(kTwoPi * a) * series;
   if (d >= 0.0) {
     upper = halfErfc + r;
     lower = (0.5 - r) + (0.5 - halfErfc);
@@ -148,8 +162,7 @@ double GammaPowerTerm(double a, double x) {
       double d, dLo, hi, lo;
       TwoSum(x, -a, d, dLo);
       ScaledLog1pmx(a, d, dLo, hi, lo);
-      return std::sqrt(a / kTwoPi) * std::exp(hi) *
-             std::exp(lo - StirlingCorrection(a));
+      return std::sqrt(a / kTwoPi) * ExpOfSum(hi, lo - StirlingCorrection(a));
     }
     // Far from the mode, log(x/a) - e directly: 1 + e would have lost the
     // digits of a small x.
@@ -198,6 +211,18 @@ int IncGamma(double a, double x, double& lower, double& upper) {
     lower = xa * (1.0 + g) * (1.0 - oneMinusJ);
     return 0;
   }
+  // The series and the continued fractions below are multiplied by the
+  // power term x^a e^-x / Gamma(a). When it underflows, so does the tail it
+  // scales (the series sum over a and the fraction stay below 1 there): the
+  // answer is then 0 and 1 without iterating - and the iterations, long for
+  // a large a, could overflow on their own and leave 0 times infinity.
+  const double powerTerm = GammaPowerTerm(a, x);
+  if (powerTerm == 0.0) {
+    const bool upperTail = !(x < a + 1.0);
+    lower = upperTail ? 1.0 : 0.0;
+    upper = upperTail ? 0.0 : 1.0;
+    return 0;
+  }
   if (x < a + 1.0) {
     // Series: P = x^a e^-x / Gamma(a+1) * sum x^n / ((a+1)...(a+n)).
     double sum = 1.0;
@@ -226,7 +251,7 @@ int IncGamma(double a, double x, double& lower, double& upper) {
       sum += term;
       if (term <= sum * 5e-17) break;
     }
-    lower = GammaPowerTerm(a, x) / a * sum;
+    lower = powerTerm / a * sum;
     upper = 1.0 - lower;
     return n < maxIterations ? 0 : 2;
   }
@@ -263,7 +288,7 @@ int IncGamma(double a, double x, double& lower, double& upper) {
       const bool done = std::fabs(next - ratio) <= 4e-16 * std::fabs(next);
       ratio = next;
       if (done) {
-        upper = GammaPowerTerm(a, x) * ratio;
+        upper = powerTerm * ratio;
         lower = 1.0 - upper;
         return 0;
       }
@@ -288,7 +313,7 @@ int IncGamma(double a, double x, double& lower, double& upper) {
     h *= delta;
     if (std::fabs(delta - 1.0) <= 1e-16) break;
   }
-  upper = GammaPowerTerm(a, x) * h;
+  upper = powerTerm * h;
   lower = 1.0 - upper;
   return i < maxIterations ? 0 : 2;
 }
