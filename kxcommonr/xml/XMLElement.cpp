@@ -4,6 +4,7 @@
 #include <typeinfo>
 #include <ostream>
 
+#include "kxcommonr/common/foundation/KXAllocation.h"
 #include "kxcommonr/xml/XMLAttribute.h"
 #include "kxcommonr/xml/XMLString.h"
 #include "kxcommonr/xml/XMLWriter.h"
@@ -95,12 +96,10 @@ XMLElement* XMLElement::Create(const std::string& name) {
 
 int XMLElement::AddAttribute(XMLAttribute* attribute) {
   if (attribute == nullptr) return -1;
-  try {
+  return KXCommon::GuardAllocation([&] {
     fvAttributes.push_back(attribute);
-  } catch (const std::bad_alloc&) {
-    return -1;
-  }
-  return 0;
+    return 0;
+  }, -1);
 }
 
 int XMLElement::AddAttribute(const std::string& name, const std::string& value) {
@@ -123,12 +122,10 @@ int XMLElement::AddAttribute(const std::string& name, double value) {
 
 int XMLElement::AddChild(XMLInterface* child) {
   if (child == nullptr || child == this) return -1;
-  try {
+  return KXCommon::GuardAllocation([&] {
     fvChildren.push_back(child);
-  } catch (const std::bad_alloc&) {
-    return -1;
-  }
-  return 0;
+    return 0;
+  }, -1);
 }
 
 int XMLElement::AddElement(XMLElement* child) { return AddChild(child); }

@@ -14,9 +14,9 @@
 
 #include <algorithm>
 #include <cmath>
-#include <new>
 #include <vector>
 
+#include "kxcommonr/common/foundation/KXAllocation.h"
 #include "kxcommonr/common/packed/KXPackedLayout.h"
 #include "kxcommonr/common/simd/KXDispatch.h"
 #include "kxcommonr/common/simd/KXSimd.h"
@@ -623,9 +623,10 @@ int PackedCholeskyWithPanel(double* a, int n, const double* origDiag, double tol
   if (width < 1) width = kDefaultPanel;
   width = std::min(width, n);
   std::vector<double> scratch;
-  try {
+  if (!GuardAllocation([&] {
     scratch.resize(static_cast<std::size_t>(width) * (static_cast<std::size_t>(n) + 16));
-  } catch (const std::bad_alloc&) {
+    return true;
+  }, false)) {
     return PackedCholeskyPlain(a, n, origDiag, tol, accepted);
   }
   switch (ActiveIsa()) {
@@ -694,11 +695,12 @@ int PackedSweepRowsWithBlock(double* a, int n, const int* rows, int count,
   std::vector<double> scratch;
   std::vector<int> block;
   std::vector<unsigned char> inBlock;
-  try {
+  if (!GuardAllocation([&] {
     scratch.resize(SweepRowsScratchSize(n, width));
     block.resize(static_cast<std::size_t>(width));
     inBlock.assign(static_cast<std::size_t>(n), 0);
-  } catch (const std::bad_alloc&) {
+    return true;
+  }, false)) {
     return -1;
   }
   switch (ActiveIsa()) {
@@ -743,9 +745,10 @@ int PackedLowerInversePlain(double* a, int n) {
 int PackedLowerInverse(double* a, int n) {
   if (n < kBlockedMinOrder) return PackedLowerInversePlain(a, n);
   std::vector<double> scratch;
-  try {
+  if (!GuardAllocation([&] {
     scratch.resize(InverseScratchSize(n, kMaxRows, kMaxTile));
-  } catch (const std::bad_alloc&) {
+    return true;
+  }, false)) {
     return PackedLowerInversePlain(a, n);
   }
   switch (ActiveIsa()) {
@@ -777,10 +780,11 @@ void PackedLowerTransLower(double* a, int n) {
     return;
   }
   std::vector<double> scratch;
-  try {
+  if (!GuardAllocation([&] {
     scratch.resize(static_cast<std::size_t>(kMaxRows) *
                    (static_cast<std::size_t>(n) + 2 * kMaxTile));
-  } catch (const std::bad_alloc&) {
+    return true;
+  }, false)) {
     PackedLowerTransLowerPlain(a, n);
     return;
   }

@@ -2,10 +2,10 @@
 
 #include <cmath>
 #include <limits>
-#include <new>
 #include <utility>
 
 #include "kxcommonr/common/display/KXComponentDisplay.h"
+#include "kxcommonr/common/foundation/KXAllocation.h"
 #include "kxcommonr/common/foundation/KXMV.h"
 
 namespace KXCommon {
@@ -195,10 +195,11 @@ bool KXRandomValues::SetParamChi(double df) {
 
 bool KXRandomValues::SetParamUniform(int n) {
   if (n < 1) return false;
-  try {
+  if (!GuardAllocation([&] {
     std::vector<double> work(static_cast<std::size_t>(n));
     fvWork.swap(work);
-  } catch (const std::bad_alloc&) {
+    return true;
+  }, false)) {
     return false;
   }
   fiType = kUniform;
@@ -216,12 +217,13 @@ bool KXRandomValues::SetParamUniform(const std::vector<double>& a, const std::ve
   for (std::size_t i = 0; i < a.size(); ++i) {
     if (!ValidBounds(a[i], b[i])) return false;
   }
-  try {
+  if (!GuardAllocation([&] {
     std::vector<double> lower(a), upper(b), work(a.size());
     fvA.swap(lower);
     fvB.swap(upper);
     fvWork.swap(work);
-  } catch (const std::bad_alloc&) {
+    return true;
+  }, false)) {
     return false;
   }
   fiType = kUniform;
@@ -272,7 +274,7 @@ bool KXRandomValues::SetParamNormal(const std::vector<double>& mean, double tol,
     if (!Finite(x)) return false;
   }
   const int n = static_cast<int>(mean.size());
-  try {
+  const bool done = GuardAllocation([&] {
     KXSymMatrix matrix, factor;
     matrix.SetData(cov);
     if (!Factor(cov, n, tol, factor)) return false;
@@ -282,9 +284,9 @@ bool KXRandomValues::SetParamNormal(const std::vector<double>& mean, double tol,
     fvWork.swap(work);
     SwapMatrices(fmMatrix, matrix);
     SwapMatrices(fmFactor, factor);
-  } catch (const std::bad_alloc&) {
-    return false;
-  }
+    return true;
+  }, false);
+  if (!done) return false;
   fdTol = tol;
   fiType = kNormal;
   fiDim = n;
@@ -304,16 +306,16 @@ bool KXRandomValues::SetParamWishart(int n, double df) {
 
 bool KXRandomValues::SetParamWishart(int n, double df, const KXSymMatrixData& scale) {
   if (n < 1 || !(df >= n && Finite(df))) return false;
-  try {
+  const bool done = GuardAllocation([&] {
     KXSymMatrix matrix, factor, work;
     matrix.SetData(scale);
     if (!Factor(scale, n, fdTol, factor) || !work.SetNRows(n)) return false;
     SwapMatrices(fmMatrix, matrix);  // nothing allocates from here on
     SwapMatrices(fmFactor, factor);
     SwapMatrices(fmWork, work);
-  } catch (const std::bad_alloc&) {
-    return false;
-  }
+    return true;
+  }, false);
+  if (!done) return false;
   fiType = kWishart;
   fiDim = n;
   fdWishartDF = df;

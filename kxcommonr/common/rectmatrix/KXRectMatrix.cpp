@@ -7,8 +7,6 @@
 #include "kxcommonr/common/foundation/KXAllocation.h"
 
 #include <cmath>
-#include <new>
-#include <stdexcept>
 #include <utility>
 
 #include "kxcommonr/common/containers/KXBitSet.h"
@@ -67,11 +65,10 @@ bool KXRectMatrix::Resize(int rows, int cols) {
   if (rows < 0 || cols < 0 || !HasConsistentData()) return false;
   if (cols == nCols) {
     // Row-major: the leading rows are already in place.
-    try {
+    if (!GuardAllocation([&] {
       data.resize(static_cast<std::size_t>(rows) * static_cast<std::size_t>(cols), 0.0);
-    } catch (const std::bad_alloc&) {
-      return false;
-    } catch (const std::length_error&) {
+      return true;
+    }, false)) {
       return false;
     }
     nRows = rows;

@@ -1,8 +1,8 @@
 // kxcommonr/common/rectmatrix/KXRectMatrixData.cpp
 #include "kxcommonr/common/rectmatrix/KXRectMatrixData.h"
 
-#include <new>
-#include <stdexcept>
+#include "kxcommonr/common/foundation/KXAllocation.h"
+
 
 #include "kxcommonr/common/foundation/KXMV.h"
 #include "kxcommonr/common/display/KXComponentDisplay.h"
@@ -13,12 +13,7 @@ KXRectMatrixData::KXRectMatrixData() : nRows(0), nCols(0) {}
 
 KXRectMatrixData::KXRectMatrixData(int rows, int cols)
     : nRows(rows < 0 ? 0 : rows), nCols(cols < 0 ? 0 : cols) {
-  try {
-    data.assign(static_cast<std::size_t>(nRows) * static_cast<std::size_t>(nCols), 0.0);
-  } catch (const std::bad_alloc&) {
-    nRows = 0;
-    nCols = 0;
-  } catch (const std::length_error&) {
+  if (!TryResize(data, static_cast<std::size_t>(nRows) * static_cast<std::size_t>(nCols), 0.0)) {
     nRows = 0;
     nCols = 0;
   }

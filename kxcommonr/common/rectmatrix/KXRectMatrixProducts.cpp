@@ -5,12 +5,11 @@
 // output in increasing order of the summation index (results independent of
 // the vector unit in use and equal to a plain triple loop).
 #include <cstddef>
-#include <new>
-#include <stdexcept>
 #include <utility>
 #include <vector>
 
 #include "kxcommonr/common/foundation/KXMV.h"
+#include "kxcommonr/common/foundation/KXAllocation.h"
 #include "kxcommonr/common/rectmatrix/KXDenseKernels.h"
 #include "kxcommonr/common/rectmatrix/KXRectMatrix.h"
 
@@ -84,9 +83,10 @@ bool KXRectMatrix::ComputeProductMatrixTrans(const KXRectMatrix& B, KXRectMatrix
 bool KXRectMatrix::ComputeRV(const std::vector<double>& v, std::vector<double>& out) const {
   if (v.size() != static_cast<std::size_t>(nCols) || !HasConsistentData()) return false;
   std::vector<double> result;
-  try {
+  if (!GuardAllocation([&] {
     result.resize(static_cast<std::size_t>(nRows));
-  } catch (const std::bad_alloc&) {
+    return true;
+  }, false)) {
     return false;
   }
   for (int i = 0; i < nRows; ++i)
@@ -100,9 +100,10 @@ bool KXRectMatrix::ComputeVR(const std::vector<double>& v, std::vector<double>& 
   // Row by row, so each output sums over i in increasing order while the
   // inner loop runs over contiguous elements.
   std::vector<double> result;
-  try {
+  if (!GuardAllocation([&] {
     result.assign(static_cast<std::size_t>(nCols), 0.0);
-  } catch (const std::bad_alloc&) {
+    return true;
+  }, false)) {
     return false;
   }
   for (int i = 0; i < nRows; ++i) {

@@ -9,11 +9,11 @@
 #include <cmath>
 #include <cstddef>
 #include <new>
-#include <stdexcept>
 #include <utility>
 #include <vector>
 
 #include "kxcommonr/common/containers/KXBitSet.h"
+#include "kxcommonr/common/foundation/KXAllocation.h"
 #include "kxcommonr/common/packed/KXPackedFactorKernels.h"
 #include "kxcommonr/common/packed/KXPackedLayout.h"
 #include "kxcommonr/common/rectmatrix/KXDenseKernels.h"
@@ -95,18 +95,16 @@ void SolveWithFactor(const std::vector<double>& factor, int n, double* x) {
 
 int KXRectMatrix::FindRedundancies(double tol, KXBitSet& nonRedundant, bool byRows) {
   if (!(tol >= 0.0)) return -1;
-  try {
+  return GuardAllocation([&] {
     const CrossProductFactor cross = FactorCrossProducts(*this, byRows, tol);
     if (cross.redundant >= 0) MarkAccepted(cross.accepted, nonRedundant);
     return cross.redundant;
-  } catch (const std::bad_alloc&) {
-    return -1;
-  }
+  }, -1);
 }
 
 int KXRectMatrix::FindNonRedunIndices(double tol, std::vector<int>& idx, bool byRows) {
   if (!(tol >= 0.0)) return -1;
-  try {
+  return GuardAllocation([&] {
     const CrossProductFactor cross = FactorCrossProducts(*this, byRows, tol);
     if (cross.redundant < 0) return -1;
     std::vector<int> kept;
@@ -115,9 +113,7 @@ int KXRectMatrix::FindNonRedunIndices(double tol, std::vector<int>& idx, bool by
       if (cross.accepted[i]) kept.push_back(static_cast<int>(i));
     idx.swap(kept);
     return cross.redundant;
-  } catch (const std::bad_alloc&) {
-    return -1;
-  }
+  }, -1);
 }
 
 int KXRectMatrix::ExtractFullRank(double tol, KXRectMatrix& out, std::vector<int>& idx, bool byRows) {
@@ -134,7 +130,7 @@ int KXRectMatrix::ExtractFullRank(double tol, KXRectMatrix& out, std::vector<int
 
 int KXRectMatrix::CheckAddColRedundancies(const KXBitSet& inModel, KXBitSet& nonRedundant) const {
   if (inModel.Size() < nCols || !HasConsistentData()) return -1;
-  try {
+  return GuardAllocation([&] {
     // The model's columns first, then the candidates, each in increasing
     // order: the Cholesky order decides which of dependent columns stays.
     std::vector<int> order;
@@ -159,16 +155,14 @@ int KXRectMatrix::CheckAddColRedundancies(const KXBitSet& inModel, KXBitSet& non
     }
     nonRedundant = result;
     return redundantCandidates;
-  } catch (const std::bad_alloc&) {
-    return -1;
-  }
+  }, -1);
 }
 
 bool KXRectMatrix::IsEstimable(const KXRectMatrix& L, const KXBitSet& nonRedundant, double tol) {
   if (L.nCols != nCols || nonRedundant.Size() < nCols || !(tol >= 0.0) || !HasConsistentData() ||
       !L.HasConsistentData())
     return false;
-  try {
+  return GuardAllocation([&] {
     std::vector<int> kept;
     std::vector<int> redundant;
     for (int j = 0; j < nCols; ++j) (nonRedundant.IsIn(j) ? kept : redundant).push_back(j);
@@ -204,14 +198,12 @@ bool KXRectMatrix::IsEstimable(const KXRectMatrix& L, const KXBitSet& nonRedunda
       }
     }
     return true;
-  } catch (const std::bad_alloc&) {
-    return false;
-  }
+  }, false);
 }
 
 int KXRectMatrix::EstimateLinearGI(const std::vector<double>& y, std::vector<double>& b, double tol) const {
   if (y.size() != static_cast<std::size_t>(nRows) || !(tol >= 0.0)) return -1;
-  try {
+  return GuardAllocation([&] {
     const CrossProductFactor cross = FactorCrossProducts(*this, false, tol);
     if (cross.redundant < 0) return -1;
     std::vector<double> solution;
@@ -219,15 +211,13 @@ int KXRectMatrix::EstimateLinearGI(const std::vector<double>& y, std::vector<dou
     SolveWithFactor(cross.factor, nCols, solution.data());
     b.swap(solution);
     return cross.redundant;
-  } catch (const std::bad_alloc&) {
-    return -1;
-  }
+  }, -1);
 }
 
 bool KXRectMatrix::ResidOfOrthProjection(const KXRectMatrix& B, double tol, KXBitSet& bNonRedundant,
                                          KXBitSet& residNonZero) {
   if (B.nRows != nRows || !(tol >= 0.0) || !HasConsistentData() || !B.HasConsistentData()) return false;
-  try {
+  return GuardAllocation([&] {
     const CrossProductFactor cross = FactorCrossProducts(B, false, tol);
     if (cross.redundant < 0) return false;
     // Coefficients C = (B'B)^- B'A, column by column, then A - B C.
@@ -259,16 +249,14 @@ bool KXRectMatrix::ResidOfOrthProjection(const KXRectMatrix& B, double tol, KXBi
     bNonRedundant = acceptedColumns;
     residNonZero = nonZero;
     return true;
-  } catch (const std::bad_alloc&) {
-    return false;
-  }
+  }, false);
 }
 
 bool KXRectMatrix::SolveLinearSquare(const std::vector<double>& b, std::vector<double>& x, double tol) const {
   const int n = nRows;
   if (nCols != n || b.size() != static_cast<std::size_t>(n) || !(tol >= 0.0) || !HasConsistentData())
     return false;
-  try {
+  return GuardAllocation([&] {
     std::vector<double> work(data);
     std::vector<double> rhs(b);
     std::vector<double> rowScale(static_cast<std::size_t>(n), 0.0);
@@ -308,9 +296,7 @@ bool KXRectMatrix::SolveLinearSquare(const std::vector<double>& b, std::vector<d
     }
     x.swap(rhs);
     return true;
-  } catch (const std::bad_alloc&) {
-    return false;
-  }
+  }, false);
 }
 
 bool KXRectMatrix::IsERowMultipleOfAnother(int i, int k, double zeroTol, double ratioTol, double& factor) const {

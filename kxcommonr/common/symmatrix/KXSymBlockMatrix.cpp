@@ -2,11 +2,10 @@
 #include "kxcommonr/common/symmatrix/KXSymBlockMatrix.h"
 
 #include <cstdint>
-#include <new>
-#include <stdexcept>
 #include <utility>
 
 #include "kxcommonr/common/display/KXComponentDisplay.h"
+#include "kxcommonr/common/foundation/KXAllocation.h"
 #include "kxcommonr/common/packed/KXPackedLayout.h"
 
 namespace KXCommon {
@@ -21,14 +20,10 @@ bool KXSymBlockMatrix::ResizeNRows(std::vector<KXSymMatrix>& blockVector,
                                    int& m) {
   if (m < 0) m = 0;
   const std::size_t wanted = KXSymMatrixData::PackedSize(m);
-  try {
+  return GuardAllocation([&] {
     blockVector.resize(wanted);
-  } catch (const std::bad_alloc&) {
-    return false;
-  } catch (const std::length_error&) {
-    return false;
-  }
-  return blockVector.size() == wanted;
+    return blockVector.size() == wanted;
+  }, false);
 }
 
 bool KXSymBlockMatrix::SetNRows(int m, int b) {

@@ -4,9 +4,8 @@
 #include "kxcommonr/common/symmatrix/KXSymMatrixData.h"
 
 #include <cstdint>
-#include <new>
-#include <stdexcept>
 
+#include "kxcommonr/common/foundation/KXAllocation.h"
 #include "kxcommonr/common/foundation/KXMV.h"
 #include "kxcommonr/common/display/KXComponentDisplay.h"
 
@@ -43,14 +42,10 @@ KXSymMatrixData::KXSymMatrixData(int nBlocksIn, int blockSizeIn)
 bool KXSymMatrixData::ResizeNRows(std::vector<double>& packed, int& n) {
   if (n < 0) n = 0;
   const std::size_t wanted = PackedSize(n);
-  try {
+  return GuardAllocation([&] {
     packed.resize(wanted);
-  } catch (const std::bad_alloc&) {
-    return false;
-  } catch (const std::length_error&) {
-    return false;
-  }
-  return packed.size() == wanted;
+    return packed.size() == wanted;
+  }, false);
 }
 
 double KXSymMatrixData::GetElem(int i, int j) const {

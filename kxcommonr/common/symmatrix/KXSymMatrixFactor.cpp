@@ -10,10 +10,10 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
-#include <new>
 #include <vector>
 
 #include "kxcommonr/common/containers/KXBitSet.h"
+#include "kxcommonr/common/foundation/KXAllocation.h"
 #include "kxcommonr/common/foundation/KXMV.h"
 #include "kxcommonr/common/packed/KXPackedFactorKernels.h"
 #include "kxcommonr/common/packed/KXPackedLayout.h"
@@ -175,9 +175,10 @@ int KXSymMatrix::LTChol(const std::vector<double>& origDiag, double tol,
       if (origDiag[i] < 0.0) return -1;
   }
   std::vector<unsigned char> accepted;
-  try {
+  if (!GuardAllocation([&] {
     accepted.assign(n, 0);
-  } catch (const std::bad_alloc&) {
+    return true;
+  }, false)) {
     return -1;
   }
   if (static_cast<std::size_t>(nonRedundant.Size()) < n)
@@ -201,9 +202,10 @@ int KXSymMatrix::LTChol(double tol, double& out, bool check) {
   if (!HasConsistentData()) return -1;
   if (check && (tol < 0.0 || std::isnan(tol))) return -1;
   std::vector<double> diagonal;
-  try {
+  if (!GuardAllocation([&] {
     GetDiagonal(diagonal);
-  } catch (const std::bad_alloc&) {
+    return true;
+  }, false)) {
     return -1;
   }
   for (double& d : diagonal)
@@ -226,11 +228,12 @@ int KXSymMatrix::CholIndNonRed(int nLead, double tol, std::vector<int>& idx) {
   std::vector<double> diagonal;
   std::vector<unsigned char> accepted;
   std::vector<int> indices;
-  try {
+  if (!GuardAllocation([&] {
     diagonal.resize(static_cast<std::size_t>(m));
     accepted.assign(static_cast<std::size_t>(m), 0);
     indices.reserve(static_cast<std::size_t>(m));
-  } catch (const std::bad_alloc&) {
+    return true;
+  }, false)) {
     return -1;
   }
   for (int i = 0; i < m; ++i) {
@@ -329,9 +332,10 @@ int KXSymMatrix::CholInverse(const std::vector<double>& origDiag, double tol,
 bool KXSymMatrix::ComputeDeterminant(double tol, double* det) const {
   if (nRows < 1 || det == nullptr || !HasConsistentData()) return false;
   KXSymMatrix factor;
-  try {
+  if (!GuardAllocation([&] {
     factor = *this;
-  } catch (const std::bad_alloc&) {
+    return true;
+  }, false)) {
     return false;
   }
   double smallestPivot = 0.0;
@@ -360,10 +364,11 @@ int KXSymMatrix::LTSolve(const std::vector<double>& b, double tol,
   const std::size_t n = static_cast<std::size_t>(nRows);
   if (b.size() < n) return -1;
   std::vector<double> rhs;
-  try {
+  if (!GuardAllocation([&] {
     rhs.assign(b.begin(), b.begin() + static_cast<std::ptrdiff_t>(n));
     GetDiagonal(x);  // x serves as origDiag until the solve
-  } catch (const std::bad_alloc&) {
+    return true;
+  }, false)) {
     return -1;
   }
   const int redundant = LTChol(x, tol, true);
@@ -379,9 +384,10 @@ int KXSymMatrix::LTSubstitute(const std::vector<double>& b,
   const std::size_t n = static_cast<std::size_t>(nRows);
   if (b.size() < n) return -1;
   std::vector<double> solution;
-  try {
+  if (!GuardAllocation([&] {
     solution.assign(b.begin(), b.begin() + static_cast<std::ptrdiff_t>(n));
-  } catch (const std::bad_alloc&) {
+    return true;
+  }, false)) {
     return -1;
   }
   const int zeroPivots = SubstituteInPlace(data.data(), nRows, solution.data());

@@ -7,11 +7,10 @@
 // independent of the vector unit in use).
 #include <cmath>
 #include <cstddef>
-#include <new>
-#include <stdexcept>
 #include <vector>
 
 #include "kxcommonr/common/packed/KXPackedLayout.h"
+#include "kxcommonr/common/foundation/KXAllocation.h"
 #include "kxcommonr/common/rectmatrix/KXDenseKernels.h"
 #include "kxcommonr/common/rectmatrix/KXRectMatrix.h"
 #include "kxcommonr/common/symmatrix/KXSymMatrix.h"
@@ -38,7 +37,7 @@ bool KXSymMatrix::UpdateXXMat2(const KXRectMatrix& r1, const KXRectMatrix& r2, d
 bool KXSymMatrix::ComputeRS(const KXRectMatrix& R, KXRectMatrix& out) const {
   const int n = nRows;
   if (n < 0 || R.GetNCols() != n || !HasConsistentData() || !R.HasConsistentData()) return false;
-  try {
+  return GuardAllocation([&] {
     std::vector<double> full;
     ExpandSym(full);
     KXRectMatrix result(R.GetNRows(), n);
@@ -46,17 +45,15 @@ bool KXSymMatrix::ComputeRS(const KXRectMatrix& R, KXRectMatrix& out) const {
     internal::GemmAccumulate(R.GetNRows(), n, n, StridedView{R.GetData().data(), n, 1},
                              StridedView{full.data(), n, 1}, result.AsVector().data(), n);
     out = result;
-  } catch (const std::bad_alloc&) {
-    return false;
-  }
-  return true;
+    return true;
+  }, false);
 }
 
 bool KXSymMatrix::ComputeRSRTrans(const KXRectMatrix& R, KXSymMatrix& out) const {
   const int n = nRows;
   const int m = R.GetNRows();
   if (n < 0 || R.GetNCols() != n || !HasConsistentData() || !R.HasConsistentData()) return false;
-  try {
+  return GuardAllocation([&] {
     std::vector<double> full;
     ExpandSym(full);
     // T = R S (m x n), then (i, j) = sum_p T(i, p) R(j, p).
@@ -68,17 +65,15 @@ bool KXSymMatrix::ComputeRSRTrans(const KXRectMatrix& R, KXSymMatrix& out) const
     internal::PackedLowerAccumulate(m, n, StridedView{rs.data(), n, 1}, 1.0,
                                     StridedView{R.GetData().data(), 1, n}, result.data.data());
     out = result;
-  } catch (const std::bad_alloc&) {
-    return false;
-  }
-  return true;
+    return true;
+  }, false);
 }
 
 bool KXSymMatrix::ComputeRTransSR(const KXRectMatrix& R, KXSymMatrix& out) const {
   const int n = nRows;
   const int q = R.GetNCols();
   if (n < 0 || R.GetNRows() != n || !HasConsistentData() || !R.HasConsistentData()) return false;
-  try {
+  return GuardAllocation([&] {
     std::vector<double> full;
     ExpandSym(full);
     // T = S R (n x q), then (i, j) = sum_p R(p, i) T(p, j).
@@ -90,16 +85,14 @@ bool KXSymMatrix::ComputeRTransSR(const KXRectMatrix& R, KXSymMatrix& out) const
     internal::PackedLowerAccumulate(q, n, StridedView{R.GetData().data(), 1, q}, 1.0,
                                     StridedView{sr.data(), q, 1}, result.data.data());
     out = result;
-  } catch (const std::bad_alloc&) {
-    return false;
-  }
-  return true;
+    return true;
+  }, false);
 }
 
 bool KXSymMatrix::ComputeSS(const KXSymMatrix& T, KXRectMatrix& out) const {
   const int n = nRows;
   if (n < 0 || T.nRows != n || !HasConsistentData() || !T.HasConsistentData()) return false;
-  try {
+  return GuardAllocation([&] {
     std::vector<double> left;
     std::vector<double> right;
     ExpandSym(left);
@@ -109,44 +102,38 @@ bool KXSymMatrix::ComputeSS(const KXSymMatrix& T, KXRectMatrix& out) const {
     internal::GemmAccumulate(n, n, n, StridedView{left.data(), n, 1}, StridedView{right.data(), n, 1},
                              result.AsVector().data(), n);
     out = result;
-  } catch (const std::bad_alloc&) {
-    return false;
-  }
-  return true;
+    return true;
+  }, false);
 }
 
 bool KXSymMatrix::ComputeRByRTrans(const KXRectMatrix& R) {
   const int m = R.GetNRows();
   const int n = R.GetNCols();
   if (!R.HasConsistentData()) return false;
-  try {
+  return GuardAllocation([&] {
     KXSymMatrix result(m);
     if (result.data.size() != PackedSize(m)) return false;
     // (i, j) = sum_p R(i, p) R(j, p).
     internal::PackedLowerAccumulate(m, n, StridedView{R.GetData().data(), n, 1}, 1.0,
                                     StridedView{R.GetData().data(), 1, n}, result.data.data());
     *this = result;
-  } catch (const std::bad_alloc&) {
-    return false;
-  }
-  return true;
+    return true;
+  }, false);
 }
 
 bool KXSymMatrix::ComputeRTransByR(const KXRectMatrix& R) {
   const int m = R.GetNRows();
   const int n = R.GetNCols();
   if (!R.HasConsistentData()) return false;
-  try {
+  return GuardAllocation([&] {
     KXSymMatrix result(n);
     if (result.data.size() != PackedSize(n)) return false;
     // (i, j) = sum_p R(p, i) R(p, j).
     internal::PackedLowerAccumulate(n, m, StridedView{R.GetData().data(), 1, n}, 1.0,
                                     StridedView{R.GetData().data(), n, 1}, result.data.data());
     *this = result;
-  } catch (const std::bad_alloc&) {
-    return false;
-  }
-  return true;
+    return true;
+  }, false);
 }
 
 bool KXSymMatrix::CopyRowToRColumn(int i, KXRectMatrix& out, int col, int startRow) const {
@@ -161,17 +148,15 @@ bool KXSymMatrix::CopyRowToRColumn(int i, KXRectMatrix& out, int col, int startR
 bool KXSymMatrix::ExpandSymToRect(KXRectMatrix& out) const {
   const int n = nRows < 0 ? 0 : nRows;
   if (!HasConsistentData()) return false;
-  try {
+  return GuardAllocation([&] {
     std::vector<double> full;
     ExpandSym(full);
     KXRectMatrix result(n, n);
     if (result.GetNRows() != n || result.GetNCols() != n) return false;
     result.AsVector().swap(full);
     out = result;
-  } catch (const std::bad_alloc&) {
-    return false;
-  }
-  return true;
+    return true;
+  }, false);
 }
 
 }  // namespace KXCommon

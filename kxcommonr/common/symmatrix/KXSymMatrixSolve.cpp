@@ -7,10 +7,10 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <new>
 #include <vector>
 
 #include "kxcommonr/common/containers/KXBitSet.h"
+#include "kxcommonr/common/foundation/KXAllocation.h"
 #include "kxcommonr/common/foundation/KXMV.h"
 #include "kxcommonr/common/packed/KXPackedLayout.h"
 #include "kxcommonr/common/symmatrix/KXSymMatrix.h"
@@ -123,13 +123,11 @@ bool KXSymMatrix::SolveIndefinite(double tol, const std::vector<double>& b,
                                   std::vector<double>& x) {
   if (!HasConsistentData() || !(tol > 0.0)) return false;
   if (b.size() < static_cast<std::size_t>(nRows)) return false;
-  try {
+  return GuardAllocation([&] {
     std::vector<int> all(static_cast<std::size_t>(nRows));
     for (int i = 0; i < nRows; ++i) all[i] = i;
     return SolveOnRows(data, nRows, all, b, tol, x);
-  } catch (const std::bad_alloc&) {
-    return false;
-  }
+  }, false);
 }
 
 bool KXSymMatrix::SolveIndefinite(const KXBitSet& nonRedundant,
@@ -137,14 +135,12 @@ bool KXSymMatrix::SolveIndefinite(const KXBitSet& nonRedundant,
                                   std::vector<double>& x) {
   if (!HasConsistentData() || nonRedundant.Size() < nRows) return false;
   if (b.size() < static_cast<std::size_t>(nRows)) return false;
-  try {
+  return GuardAllocation([&] {
     std::vector<int> rows;
     for (int i = 0; i < nRows; ++i)
       if (nonRedundant.IsIn(i)) rows.push_back(i);
     return SolveOnRows(data, nRows, rows, b, 0.0, x);
-  } catch (const std::bad_alloc&) {
-    return false;
-  }
+  }, false);
 }
 
 bool KXSymMatrix::SolveIndefiniteGI(double tol, const std::vector<double>& b,
@@ -152,7 +148,7 @@ bool KXSymMatrix::SolveIndefiniteGI(double tol, const std::vector<double>& b,
   if (!HasConsistentData() || !(tol > 0.0)) return false;
   const std::size_t n = static_cast<std::size_t>(nRows);
   if (b.size() < n) return false;
-  try {
+  return GuardAllocation([&] {
     // Gauss-Jordan sweeps on the diagonal of a copy, in row order; a pivot
     // of either sign is taken when its magnitude exceeds tol times the
     // magnitude of the row's initial diagonal. The swept block then holds
@@ -186,14 +182,12 @@ bool KXSymMatrix::SolveIndefiniteGI(double tol, const std::vector<double>& b,
     if (!AllFinite(solution)) return false;
     x.swap(solution);
     return true;
-  } catch (const std::bad_alloc&) {
-    return false;
-  }
+  }, false);
 }
 
 int KXSymMatrix::TransformToPositiveDefinite(double tol, bool& changed, double& shift) {
   if (!HasConsistentData() || !(tol > 0.0)) return -1;
-  try {
+  return GuardAllocation([&] {
     // Each row is judged against the magnitude of its own diagonal, or the
     // largest diagonal magnitude when its own is 0.
     double largest = 0.0;
@@ -239,9 +233,7 @@ int KXSymMatrix::TransformToPositiveDefinite(double tol, bool& changed, double& 
       }
     }
     return -1;
-  } catch (const std::bad_alloc&) {
-    return -1;
-  }
+  }, -1);
 }
 
 int KXSymMatrix::CheckMDependent(int row, const std::vector<double>& origDiag,
@@ -249,7 +241,7 @@ int KXSymMatrix::CheckMDependent(int row, const std::vector<double>& origDiag,
   if (!HasConsistentData() || row < 0 || row >= nRows) return -1;
   if (origDiag.size() < static_cast<std::size_t>(nRows) || tol < 0.0 || std::isnan(tol))
     return -1;
-  try {
+  return GuardAllocation([&] {
     std::vector<int> rows;
     for (int i = 0; i < nRows && i < mask.Size(); ++i)
       if (i != row && mask.IsIn(i)) rows.push_back(i);
@@ -266,31 +258,27 @@ int KXSymMatrix::CheckMDependent(int row, const std::vector<double>& origDiag,
     KXBitSet accepted;
     if (sub.LTChol(subDiag, tol, accepted, true) < 0) return -1;
     return accepted.IsIn(static_cast<int>(rows.size()) - 1) ? 0 : 1;
-  } catch (const std::bad_alloc&) {
-    return -1;
-  }
+  }, -1);
 }
 
 bool KXSymMatrix::GetRegCoeffs(std::vector<double>& coeffs, const KXBitSet& swept) const {
   if (!HasConsistentData() || nRows < 2 || swept.Size() < nRows - 1) return false;
   const int response = nRows - 1;
   if (swept.IsIn(response)) return false;
-  try {
+  return GuardAllocation([&] {
     std::vector<double> result(static_cast<std::size_t>(response), 0.0);
     const double* row = data.data() + KXPacked::Index(response, 0);
     for (int i = 0; i < response; ++i)
       if (swept.IsIn(i)) result[i] = row[i];
     coeffs.swap(result);
     return true;
-  } catch (const std::bad_alloc&) {
-    return false;
-  }
+  }, false);
 }
 
 bool KXSymMatrix::CheckGMG(const std::vector<double>& g, double tol) const {
   if (!HasConsistentData() || tol < 0.0 || std::isnan(tol)) return false;
   if (g.size() != PackedSize(nRows)) return false;
-  try {
+  return GuardAllocation([&] {
     const std::size_t n = static_cast<std::size_t>(nRows);
     std::vector<double> s(n * n), gd(n * n), sg, sgs, gs, gsg;
     for (std::size_t i = 0; i < n; ++i)
@@ -303,9 +291,7 @@ bool KXSymMatrix::CheckGMG(const std::vector<double>& g, double tol) const {
     DenseProduct(gd, s, gs, n);
     DenseProduct(gs, gd, gsg, n);
     return RelativeDifference(sgs, s) <= tol && RelativeDifference(gsg, gd) <= tol;
-  } catch (const std::bad_alloc&) {
-    return false;
-  }
+  }, false);
 }
 
 }  // namespace KXCommon
